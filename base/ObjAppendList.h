@@ -79,6 +79,15 @@ public:
         --free;
         return *this;
     }
+    // Appends the elements of a list that ends with a zero element (a text for
+    // a byte list); a null pointer appends nothing.
+    template <class U, std::enable_if_t<std::is_same<U, T>::value && std::is_scalar<U>::value, int> = 0>
+    ObjAppendList& operator<<(const U* values) {
+        if (!values) return *this;
+        long n = 0;
+        while (!(values[n] == U())) ++n;
+        return append(n, values);
+    }
     ObjAppendList& append(long n, const T* values) {
         if (n <= 0) return *this;
         allocate(n);
@@ -233,6 +242,7 @@ public:
         deleteLast(n);
     }
     void pop(long n = 1) { del(n); }
+    using Base::pop;
     void flush(bool releaseBuffer = false) {
         deleteLast(this->count);
         Base::flush(releaseBuffer);
