@@ -1,0 +1,81 @@
+// Scratch folders and an instrumented source for the input tests.
+#pragma once
+
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "input/InputStream.h"
+
+namespace inputtest {
+
+// A fresh folder under the system's temporary folder, removed with its contents.
+class TempDir {
+public:
+    TempDir() {
+        std::string pattern = (std::filesystem::temp_directory_path() / "zun-input-XXXXXX").string();
+        char* made = ::mkdtemp(&pattern[0]);
+        root = made ? made : "";
+    }
+    ~TempDir() {
+        std::error_code ec;
+        if (!root.empty()) std::filesystem::remove_all(root, ec);
+    }
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+
+    const std::string& path() const { return root; }
+    std::string path(const std::string& name) const { return root + "/" + name; }
+    std::string write(const std::string& name, const std::string& bytes) const {
+        std::string full = path(name);
+        std::filesystem::create_directories(std::filesystem::path(full).parent_path());
+        std::ofstream out(full, std::ios::binary);
+        out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        return full;
+    }
+
+private:
+    std::string root;
+};
+
+// n bytes where byte i is i mod 251, so that every place can be told apart.
+inline std::string pattern(size_t n) {
+    std::string s(n, 0);
+    for (size_t i = 0; i < n; ++i) s[i] = static_cast<char>(i % 251);
+    return s;
+}
+
+// Passes everything to an inner stream and counts the reads and seeks.
+class CountingSource : public zun::InputStream {
+public:
+    zun::InputStream* inner;
+    int reads = 0;
+    int seeks = 0;
+
+    explicit CountingSource(zun::InputStream* in) : zun::InputStream(in->name(-1)), inner(in) { fifo = in->isFifo(); }
+    ~CountingSource() override { delete inner; }
+
+    zun::InputStream& seek(long offset, std::ios::seekdir dir) override {
+        ++seeks;
+        inner->seek(offset, dir);
+        return *this;
+    }
+    long offset() override { return inner->offset(); }
+    zun::InputStream& getline(char* buf, unsigned long size, char delim) override {
+        inner->getline(buf, size, delim);
+        return *this;
+    }
+    bool eof() const override { return inner->eof(); }
+    bool fail() const override { return inner->fail(); }
+    int peek() override { return inner->peek(); }
+    long size() override { return inner->size(); }
+    unsigned long bufread(char* buf, unsigned long n, unsigned long done) override {
+        ++reads;
+        return inner->bufread(buf, n, done);
+    }
+};
+
+}  // namespace inputtest
