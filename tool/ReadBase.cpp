@@ -1,0 +1,218 @@
+#include "tool/ReadBase.h"
+
+#include <cstdio>
+#include <fstream>
+#include <ostream>
+#include <string>
+
+#include "base/Exception.h"
+#include "base/RawBuffer.h"
+#include "struct/Error.h"
+#include "struct/StructAlias.h"
+#include "struct/StructElem.h"
+#include "tool/MainError.h"
+
+using zun::ObjAppendListP;
+using zun::String;
+using vexa::StructAlias;
+using vexa::StructElem;
+
+namespace {
+
+// The text output: one line at a time, written and flushed as a whole.
+std::string line;
+
+void writeLine() {
+    line += '\n';
+    fwrite(line.data(), 1, line.size(), stdout);
+    fflush(stdout);
+}
+
+void warnNoMatch(const String& pattern) {
+    fflush(stdout);
+    MainError(0, (pattern + " no match found").str()).log("WARNING-");
+}
+
+// An array whose element (as it stands, behind a union or link) is a record.
+bool isRecordArray(StructElem& e) {
+    if (!e.isAnArray()) return false;
+    StructElem* element = e.getChild("#")->getChild(nullptr);
+    return element->getType() == vexa::TypeRecord;
+}
+
+// The structure level at which the fields below e are selected.
+int selectionLevel(StructElem& e) {
+    if (!e.parent) return 0;
+    return e.getStructLevel() + (e.parent->getType() != vexa::TypeUnion ? 1 : 0);
+}
+
+// Matches each pattern below element; warns about those that match nothing.
+void selectFields(StructElem& element, const FieldList& fields, ObjAppendListP<StructAlias>& aliases) {
+    StructAlias anchor(static_cast<unsigned char>(selectionLevel(element)), element);
+    for (long i = 0; i < fields.count; ++i)
+        if (anchor.childList(fields[i].str(), false, aliases) == 0) warnNoMatch(fields[i]);
+}
+
+// Prints the targets of a selection: arrays of records as their successive
+// records, anything else as one element.
+void printSelection(ObjAppendListP<StructAlias>& aliases, BinOutput* bin, const char* xopt, bool explode,
+                    bool compress, int width) {
+    for (long i = 0; i < aliases.count; ++i) {
+        StructAlias positioned = aliases[i].getChild(nullptr);
+        StructElem* target = positioned.resolve();
+        if (isRecordArray(*target)) {
+            if (explode) {
+                read_base(*target, FieldList(), bin, xopt, explode, compress, width, 0, -1, 1);
+            } else {
+                for (long k = 0; k < target->numElems(); ++k)
+                    print_element((*target)[k], bin, false, xopt, compress, width);
+            }
+        } else {
+            print_element(*target, bin, explode, xopt, compress, width);
+        }
+    }
+}
+
+}  // namespace
+
+BinOutput::~BinOutput() {
+    if (owned) delete out;
+}
+
+void BinOutput::write(const char* bytes, long n) {
+    if (!out) {
+        auto* file = new std::ofstream(name.str(), std::ios::binary | std::ios::trunc);
+        if (!file->is_open()) {
+            delete file;
+            throw zun::StdError((String("Error opening the binary output '") + name + "'").str());
+        }
+        out = file;
+        owned = true;
+        line.assign("Binary output to: ").append(name.str());
+        writeLine();
+    }
+    out->write(bytes, n);
+    out->flush();
+}
+
+void read_base(StructElem& element, const FieldList& fields, BinOutput* bin, const char* xopt, bool explode,
+               bool compress, int width, long first, long last, long step) {
+    if (element.isAnArray()) {
+        // Arrays are read row by row through an array reader; the reader
+        // doesn't build arrays yet, so none can reach this point.
+        throw vexa::ErrorInternal("array reading in read_base");
+    }
+    switch (element.getType()) {
+    case vexa::TypeUnion:
+        read_base(*element.getChild(nullptr), fields, bin, xopt, explode, compress, width, 0, -1, 1);
+        return;
+    case vexa::TypeRecord: {
+        if (fields.count == 0 && bin) {
+            print_element(element, bin, explode, xopt, compress, width);
+            return;
+        }
+        ObjAppendListP<StructAlias> aliases;
+        if (fields.count == 0) element.childList("*", false, aliases);
+        else selectFields(element, fields, aliases);
+        printSelection(aliases, bin, xopt, explode, compress, width);
+        return;
+    }
+    default:
+        print_element(element, bin, explode, xopt, compress, width);
+    }
+}
+
+void print_element(StructElem& element, BinOutput* bin, bool explode, const char* xopt, bool compress, int width) {
+    StructElem& e = *element.getChild(nullptr);
+    if (bin) {
+        if (e.getSize() > 0) {
+            zun::RawBuffer buffer;
+            e.readBuf(buffer, 1);
+            if (buffer.count > 0) bin->write(buffer.data, buffer.count);
+        }
+        return;
+    }
+    if (explode && e.numElems() >= 1 && (!e.isAnArray() || isRecordArray(e))) {
+        for (long i = 0; i < e.numElems(); ++i) print_element(e[i], nullptr, true, xopt, compress, width);
+        return;
+    }
+    char position[40];
+    long pos = e.getPos();
+    if (width >= 1) snprintf(position, sizeof position, "%.*ld> ", width, pos);
+    else snprintf(position, sizeof position, "%ld> ", pos);
+    line.assign(position);
+    try {
+        line.append(e.getPathName().str());
+        const String& unit = e.getUnit();
+        if (unit.length > 0) line.append(" (").append(unit.text, unit.length).append(")");
+        line.append(" = ");
+        String value = e.readAll(compress);
+        line.append(value.str(), value.length);
+        if (xopt) {
+            String hex = *xopt ? e.readHexNum(compress) : e.readHex(compress);
+            line.append(" ; ").append(hex.str(), hex.length);
+        }
+    } catch (...) {
+        // What was composed of the line stands before the error that ended it.
+        fwrite(line.data(), 1, line.size(), stdout);
+        fflush(stdout);
+        throw;
+    }
+    writeLine();
+}
+
+void read_base_struct(StructElem& element, const FieldList& fields, bool explode) {
+    if (element.getType() == vexa::TypeUnion) {
+        read_base_struct(*element.getChild(nullptr), fields, explode);
+        return;
+    }
+    int level = selectionLevel(element);
+    zun::ObjAppendList<int> indent;
+    print_elem_struct(level, 0, element, false, indent);
+
+    StructElem* e = &element;
+    if (e->isAnArray()) {
+        e = e->getChild("#");
+        if (e->isFixedType(0)) e = e->getChild(nullptr);
+    }
+    int relLevel = selectionLevel(*e);
+    ObjAppendListP<StructAlias> aliases;
+    if (fields.count == 0) StructAlias(static_cast<unsigned char>(relLevel), *e).childList("*", false, aliases);
+    else selectFields(*e, fields, aliases);
+    if (aliases.count == 0) return;
+
+    indent << 1;
+    for (long i = 0; i < aliases.count; ++i) {
+        if (i == aliases.count - 1) indent.last() = 0;
+        StructElem* target = aliases[i].resolve();
+        print_elem_struct(level, relLevel, *target, explode, indent);
+    }
+}
+
+void print_elem_struct(int level, int relLevel, StructElem& e, bool explode, zun::ObjAppendList<int>& indent) {
+    if (indent.count == 0) {
+        line.assign(e.parent ? e.getPathName().str() : "FILE");
+    } else {
+        line.clear();
+        for (long i = 0; i + 1 < indent.count; ++i) line.append(indent[i] ? "| " : "  ");
+        line.append("|_ ");
+        if (indent.count == 1 && relLevel >= 0) line.append(e.getPathName(relLevel).str());
+        else line.append(e.elemName.str());
+    }
+    line.append(" ; ").append(e.getTypeStr(level).str()).append(" ; ").append(e.getUnit().str());
+    writeLine();
+    if (!explode) return;
+
+    StructElem* inner = &e;
+    while (inner->isAnArray()) inner = inner->getChild("#");
+    if (inner->getType() == vexa::TypeUnion && inner->isFixedType(level)) inner = inner->getChild(nullptr);
+
+    indent << 1;
+    long n = inner->numElems();
+    for (long i = 0; i < n; ++i) {
+        if (i == n - 1) indent.last() = 0;
+        print_elem_struct(level, relLevel, (*inner)[i], explode, indent);
+    }
+    int popped;
+    indent >> popped;
+}
