@@ -197,6 +197,8 @@ public:
     zun::InputStream* initRead();
     // Throws the read error when the stream failed.
     void checkRead(zun::InputStream& in);
+    // The same, and also when fewer bytes came than were wanted.
+    void checkRead(zun::InputStream& in, unsigned long got, unsigned long wanted);
     // The element's bytes in a new array of getSize()+1 chars, zero-terminated.
     char* readData();
 
@@ -220,6 +222,8 @@ protected:
     [[noreturn]] void readInvalid(const char* requested);
     // The path name for messages: "root" for the empty path.
     zun::String messagePath() const;
+    // The error of a read that failed or ran past the end of the input.
+    [[noreturn]] void readFailed(zun::InputStream& in);
 
 private:
     void warmOffsets();

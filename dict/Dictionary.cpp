@@ -1,0 +1,265 @@
+#include "dict/Dictionary.h"
+
+#include <sys/stat.h>
+
+#include <cstdlib>
+#include <cstring>
+
+#include "base/Exception.h"
+#include "input/FileUtils.h"
+#include "input/InputStream.h"
+#include "struct/Error.h"
+#include "struct/StructBase.h"
+#include "struct/StructElem.h"
+#include "struct/StructOffset.h"
+
+using zun::ObjAppendList;
+using zun::String;
+
+namespace vexa {
+
+namespace {
+
+String dictionaryRoot() {
+    const char* root = std::getenv("VEXA_DICTIONARY_PATH");
+    return String(root ? root : "");
+}
+
+bool statPath(const String& path, bool& isDirectory) {
+    struct stat st;
+    if (::stat(path.str(), &st) != 0) return false;
+    isDirectory = S_ISDIR(st.st_mode);
+    return true;
+}
+
+// Slots for extractColumns: `marked` lists the slots that allow "%" quoting.
+void prepareSlots(ObjAppendList<String>& columns, int count, std::initializer_list<int> marked) {
+    columns.flush(false);
+    for (int i = 0; i < count; ++i) columns << String("");
+    for (int i : marked) columns[i] = "%";
+}
+
+String quoted(const String& text) {
+    String q(text.str());
+    q.quote('"');
+    return q;
+}
+
+}  // namespace
+
+Dictionary::Dictionary(StructElem& elem, const char* dictionaryName) {
+    line[0] = 0;
+    String given(dictionaryName ? dictionaryName : "");
+    int amp = given.find('&');
+    if (amp >= 0) {
+        String parameters = given.substr(amp + 1);
+        given = amp > 0 ? given.substr(0, amp - 1) : String("");
+        for (int i = 0;; ++i) {
+            String piece = parameters.word(i, '&');
+            if (piece.isNull()) break;
+            if (piece.isEmpty()) continue;
+            String parameter = piece.word(0, '=');
+            int eq = piece.find('=');
+            String value = eq >= 0 ? piece.substr(eq + 1) : String(nullptr);
+            StructBase::addParameter(parameter.str(), value.isNull() ? nullptr : value.str(),
+                                     elem.getBase()->parameters);
+        }
+    }
+    String resolved;
+    if (given.isEmpty()) {
+        resolved = dictionaryRoot() + "/index";
+    } else if (given[0] == '/') {
+        resolved = dictionaryRoot();
+        if (!resolved.isEmpty()) resolved += "/";
+        resolved += given;
+    } else if (given[0] == '+') {
+        String parentPath = elem.parent ? String(elem.parent->getDictionaryPath()) : String("");
+        int dot = parentPath.find('.', parentPath.length, true);
+        resolved = dot >= 0 ? parentPath.substr(0, dot) : String("");
+        resolved += "/";
+        resolved += given;
+        resolved += '\x01';
+    } else {
+        const String& own = elem.getDictionaryPath();
+        int slash = own.find('/', own.length, true);
+        resolved = slash >= 0 ? own.substr(0, slash) + given : given;
+    }
+    init(resolved.str());
+}
+
+Dictionary::Dictionary(const char* path) {
+    line[0] = 0;
+    init(path);
+}
+
+Dictionary::~Dictionary() {
+    delete stream;
+}
+
+String Dictionary::path() const {
+    return stream ? String(stream->name()) : String(nullptr);
+}
+
+void Dictionary::init(const char* given) {
+    String file = given ? String(given) : dictionaryRoot() + "/";
+    bool isDirectory = false;
+    if (statPath(file, isDirectory)) {
+        if (isDirectory) file += "/index.dd";
+    } else if (statPath(file + ".dd", isDirectory)) {
+        file += ".dd";
+    }
+    zun::FileUtils::pathNameCheck(file.str(), nullptr);
+    stream = new zun::InputFStream(file.str());
+    stream->getline(line, lineSize, '\n');
+    if (!stream->eof() && stream->fail()) line[0] = 0;
+    ObjAppendList<String> columns;
+    prepareSlots(columns, 4, {1, 2});
+    extractColumns(columns);
+    name = columns[0];
+    description = columns[1];
+    recordSize = columns[2];
+    codingStandard = columns[3];
+    if (name.isEmpty()) name = path();
+}
+
+bool Dictionary::readLine() {
+    stream->getline(line, lineSize, '\n');
+    if (stream->eof()) return false;
+    if (stream->fail()) {
+        String text("line longer than ");
+        text << lineSize - 1;
+        text += " characters";
+        throw ErrorDictionary(path().str(), text.str());
+    }
+    return true;
+}
+
+int Dictionary::extractColumns(ObjAppendList<String>& columns) const {
+    const char* p = line;
+    while (*p == ' ') ++p;
+    long slots = columns.count;
+    int found = 0;
+    if (*p) {
+        for (long i = 0; i < slots; ++i) {
+            bool marked = columns[i] == "%";
+            const char* start = p;
+            const char* end;
+            const char* next;
+            if (marked && *p == '%') {
+                start = p + 1;
+                const char* close = std::strstr(start, "%|");
+                end = close ? close : start + std::strlen(start);
+                next = close ? close + 2 : end;
+            } else {
+                const char* bar = std::strchr(p, '|');
+                end = bar ? bar : p + std::strlen(p);
+                next = bar ? bar + 1 : end;
+            }
+            String column(start, static_cast<int>(end - start));
+            column.trim(0);
+            if (column[0] == '*') column = "";
+            columns[i] = column;
+            ++found;
+            if (!*next) break;
+            p = next;
+        }
+    }
+    for (long i = found; i < slots; ++i) columns[i].setNull();
+    return found;
+}
+
+StructElem* Dictionary::processNext(StructElem* prev, StructElem* parent, StructElem*& offsetElem) {
+    offsetElem = nullptr;
+    ObjAppendList<String> columns;
+    for (;;) {
+        if (!readLine()) return nullptr;
+        if (line[0] == '#') continue;
+        const char* p = line;
+        while (*p == ' ' || *p == '\t') ++p;
+        if (!*p) continue;
+        prepareSlots(columns, 6, {3, 4, 5});
+        return makeElement(prev, parent, offsetElem, columns);
+    }
+}
+
+StructElem* Dictionary::makeElement(StructElem* prev, StructElem* parent, StructElem*& offsetElem,
+                                    ObjAppendList<String>& columns) {
+    int count = extractColumns(columns);
+    const String& dims = columns[4];
+    bool isArray = !dims.isEmpty() && !(dims.isInteger() && dims.toLong() == 1);
+    StructElem* marker = nullptr;
+    try {
+        if (line[0] == '~') {
+            String fieldName = columns[0].substr(1);
+            String type = String("~") + columns[1];
+            checkFieldName(fieldName);
+            if (isArray) throw String("unsupported array field ") + quoted(fieldName);
+            return parent->createChild(prev, fieldName, columns[2], type, columns[3]);
+        }
+        if (count < 4) throw ErrorDictionary(path().str(), "Missing Columns");
+        const String& fieldName = columns[0];
+        const String& place = columns[5];
+        if (!place.isEmpty()) {
+            if (place[0] == '%') {
+                String alignment = place.substr(1);
+                if (!alignment.isInteger() || alignment[0] == '-' || alignment.toLong() < 0)
+                    throw String("Field ") + quoted(fieldName) + " invalid negative alignment offset";
+                marker = new StructOffsetAlign(prev, parent, fieldName.str(), alignment.toLong());
+            } else if (!place.isInteger()) {
+                marker = new StructOffsetRef(prev, parent, fieldName.str(), place.str());
+            } else if (place.toLong() < 0 || place[0] == '+') {
+                marker = new StructOffsetRelative(prev, parent, fieldName.str(), place.toLong());
+            } else {
+                marker = new StructOffsetFixed(prev, parent, fieldName.str(), place.toLong());
+            }
+            prev = marker;
+        }
+        checkFieldName(fieldName);
+        if (isArray) throw String("unsupported array field ") + quoted(fieldName);
+        StructElem* e = parent->createChild(prev, fieldName, columns[2], columns[1], columns[3]);
+        offsetElem = marker;
+        return e;
+    } catch (String& text) {
+        delete marker;
+        throw ErrorDictionary(path().str(), text.str());
+    } catch (zun::StdError& e) {
+        delete marker;
+        if (e.code() != 2) throw;
+        String text = String("invalid sub dictionary ") + quoted(columns[1].substr(1));
+        ErrorDictionary error(path().str(), text.str());
+        error.chain(e);
+        throw error;
+    } catch (...) {
+        delete marker;
+        throw;
+    }
+}
+
+bool Dictionary::fieldNameValid(const String& fieldName) {
+    if (fieldName[0] == '-') return false;
+    for (int i = 0; i < fieldName.length; ++i)
+        if (fieldName.text[i] && std::strchr("*? \t,\"'<>.", fieldName.text[i])) return false;
+    return true;
+}
+
+void Dictionary::checkFieldName(const String& fieldName) const {
+    if (fieldNameValid(fieldName)) return;
+    String text = String("invalid field name ") + quoted(fieldName);
+    throw ErrorDictionary(path().str(), text.str());
+}
+
+int Dictionary::getStructField(const char* fieldPath, String& head) {
+    if (!fieldPath) {
+        head = "";
+        return 0;
+    }
+    const char* dot = std::strchr(fieldPath, '.');
+    if (dot && dot > fieldPath) {
+        head = String(fieldPath, static_cast<int>(dot - fieldPath));
+        return static_cast<int>(dot - fieldPath) + 1;
+    }
+    head = fieldPath;
+    return static_cast<int>(std::strlen(fieldPath));
+}
+
+}  // namespace vexa
