@@ -64,7 +64,11 @@ InputStreamStl::~InputStreamStl() {
 }
 
 InputStream& InputStreamStl::seek(long offset, std::ios::seekdir dir) {
-    if (in) in->seekg(offset, dir);
+    if (in) {
+        // a new place starts afresh, as the end of the data may lie behind
+        in->clear();
+        in->seekg(offset, dir);
+    }
     return *this;
 }
 
@@ -92,7 +96,7 @@ bool InputStreamStl::eof() const { return !in || in->eof(); }
 bool InputStreamStl::fail() const { return !in || in->fail(); }
 
 int InputStreamStl::peek() {
-    if (!in) return -1;
+    if (!in || in->eof()) return -1;
     int c = in->peek();
     return c == std::char_traits<char>::eof() ? -1 : c;
 }
