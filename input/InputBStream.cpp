@@ -95,7 +95,7 @@ bool InputBStream::fail() const { return failFlag || (source && source->fail());
 unsigned long InputBStream::bufread(char* buf, unsigned long n, unsigned long done) {
     // the common case: the whole request lies in the valid part of the buffer
     long at = pos - bufStart;
-    if (at >= 0 && at <= bufFill && static_cast<unsigned long>(bufFill - at) >= n) {
+    if (at >= 0 && at <= bufFill && static_cast<unsigned long>(bufFill - at) >= n && buffer) {
         std::memcpy(buf, buffer + at, n);
         pos += static_cast<long>(n);
         eofFlag = failFlag = false;
