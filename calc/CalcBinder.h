@@ -72,6 +72,12 @@ public:
     CalcNode* bindSymbol(const char* name) override;
     // The node of that name (without sigil), searching from the end; null if none.
     CalcNode* find(const char* name) const;
+    // Reads a definitions file: the whole file is parsed as statements of the
+    // expression language, without binder, and each variable is appended, in
+    // order, as a constant of its final value under its name (a double when
+    // numeric, else its text). A file that can't be opened is an empty input.
+    // A bad statement raises the parser's error. Returns the count appended.
+    int readDefinitions(const char* path);
 };
 
 }  // namespace zun

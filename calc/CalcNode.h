@@ -16,7 +16,11 @@
 //   request isn't theirs, and then take nothing over. A non-null answer has
 //   taken over what it was given: the argument list, and for operOverload the
 //   other operand too. A non-null answer of keyword() other than the node
-//   itself has taken the node over as well.
+//   itself has taken the node over as well; so has a non-null answer of
+//   method(), property() and operOverload() asked with a null via. A request
+//   made through a CalcNodeLink (and so through a variable, whose node is
+//   asked with via set) never hands the link over: the parser deletes the
+//   link when the answer is another node.
 // - Derived classes that override one of the overloaded virtuals (valRaw,
 //   method, reset, listNodes) bring the others back with a using-declaration.
 #pragma once
@@ -112,6 +116,9 @@ public:
     RawBuffer valRaw();                  // into a fresh buffer
     static double NaN();
     static String nullStr();
+    // A double truncated to a 64-bit integer the way the machine does it:
+    // NaN and values out of range give the most negative integer.
+    static long long truncate(double v);
 
     // The default fold: a new constant of valType() when constLevel() < 0, else null.
     CalcNode* reduceConst();
@@ -126,6 +133,7 @@ public:
     Type nodeType() override { return TypeNull; }
     int valType() override { return ValNum; }
     int constLevel() override { return -1; }
+    CalcNode* reduce() override { return nullptr; }   // stays what it is
     double valNum() override { return NaN(); }
     String valStr() override { return nullStr(); }
     RawBuffer& valRaw(RawBuffer& buffer) override;
@@ -165,6 +173,7 @@ public:
     CalcNode* node;     // the expression, owned
     CalcNode* store;    // a CalcNodeConst of the expression's value type, owned
 
+    // Takes node over, also when the constructor throws.
     CalcNodeMem(const char* name, CalcNode* node);
     ~CalcNodeMem() override;
 
@@ -198,6 +207,10 @@ public:
 };
 
 // A reference to a node owned elsewhere; everything but nodeType forwards.
+// Where the target answers keyword, property, method, operOverload or
+// operOverloadR with itself, the link answers with itself. Any other answer
+// refers to the target, never to the link. reduce() is the constant fold
+// alone: the target's subtree belongs to its owner.
 class CalcNodeLink : public CalcNode {
 public:
     CalcNode* target;   // not owned

@@ -6,6 +6,7 @@
 // binders it was given) and a scanner (the token rules of CalcLex).
 #pragma once
 
+#include <exception>
 #include <istream>
 #include <list>
 
@@ -25,6 +26,10 @@ public:
     CalcNode* result = nullptr;   // the value of the expression
     int resultLevel = -1;         // constLevel of result, cached by init
     long long consumed = 0;       // characters consumed by the last init
+    int lookahead = 0;            // the automaton's lookahead token when its last run ended
+    // A failure inside a grammar action, kept until the automaton has
+    // released what stands on its stacks; init throws it then.
+    std::exception_ptr pending;
 
     explicit CalcParser(CalcBinder& binder);
     explicit CalcParser(CalcBinder* binder = nullptr);
@@ -41,11 +46,13 @@ public:
 
     // Binder side.
     CalcNode* bindSymbol(const char* name) override;
+    // Offers each argument the name first; then the binders, then the
+    // builtin functions. A non-null answer, or an exception, has taken args over.
     CalcNode* bindFunction(const char* name, ObjAppendListP<CalcNode>* args) override;
     CalcIterator* bindIterator(int level) override;
     CalcNode* bindSymbolExternal(const char* name);
     // The node of an operator; right is null for a prefix operator. Takes both
-    // operands over when it answers.
+    // operands over when it answers or throws; a null answer takes nothing.
     CalcNode* bindOperator(const char* op, CalcNode* left, CalcNode* right);
 
     // A null name gives result; otherwise the last statement of that name.
