@@ -84,6 +84,15 @@ private:
     bool& flag;
 };
 
+// The value a cell holds, read by the cell's own expression. Unlike a plain
+// link it never folds: the value changes with every sample.
+class CalcNodeCellValue : public CalcNodeLink {
+public:
+    explicit CalcNodeCellValue(CalcNode* store) : CalcNodeLink(store) {}
+    int constLevel() override { return 0; }
+    CalcNode* reduce() override { return nullptr; }
+};
+
 CalcIterator* requireIterator(CalcBinder& binder) {
     CalcIterator* it = binder.bindIterator(0);
     if (!it) throw CalcErrorIterator("no bindIterator function");
@@ -145,10 +154,31 @@ String CalcNodeFuncSync::valStr() {
 
 // ---- option ----
 
+CalcNodeFuncOption::CalcNodeFuncOption(const char* name, ObjAppendListP<CalcNode>* args,
+                                       CalcBinderListT<CalcBinder>* binders)
+    : CalcNodeFunc(name, args, 2, 2), binders(binders) {
+    if (binders) hold = new CalcNodeParserHold();
+}
+
+CalcNodeFuncOption::~CalcNodeFuncOption() { delete hold; }
+
+int CalcNodeFuncOption::listNodes(std::list<CalcNode*>& out, Type type) {
+    int n = CalcNodeFunc::listNodes(out, type);
+    if (hold) n += hold->listNodes(out, type);
+    return n;
+}
+
 CalcNode* CalcNodeFuncOption::lookup() {
     if (!binders) return nullptr;
     String name = arg(0)->valStr();
     return binders->bindSymbol(name.str());
+}
+
+int CalcNodeFuncOption::constLevel() {
+    int nameLevel = arg(0)->constLevel();
+    if (nameLevel >= 0) return minLevel(minLevel(nameLevel, 0), arg(1)->constLevel());
+    std::unique_ptr<CalcNode> found(lookup());
+    return found ? found->constLevel() : arg(1)->constLevel();
 }
 
 double CalcNodeFuncOption::valNum() {
@@ -192,12 +222,27 @@ CalcNodeFuncSymRef::CalcNodeFuncSymRef(const char* name, ObjAppendListP<CalcNode
         text += arg(i)->constLevel() < 0 ? arg(i)->valInit() : arg(i)->name;
     }
     text += ")";
+    if (binders) hold = new CalcNodeParserHold();
+}
+
+CalcNodeFuncSymRef::~CalcNodeFuncSymRef() { delete hold; }
+
+int CalcNodeFuncSymRef::listNodes(std::list<CalcNode*>& out, Type type) {
+    int n = CalcNodeFunc::listNodes(out, type);
+    if (hold) n += hold->listNodes(out, type);
+    return n;
 }
 
 CalcNode* CalcNodeFuncSymRef::getRef() {
     if (!binders) return nullptr;
     String symbol = arg(0)->valStr();
     return binders->bindSymbol(symbol.str());
+}
+
+int CalcNodeFuncSymRef::constLevel() {
+    if (arg(0)->constLevel() >= 0) return 0;
+    std::unique_ptr<CalcNode> ref(getRef());
+    return ref ? ref->constLevel() : -1;
 }
 
 int CalcNodeFuncSymRef::valType() { return arg(0)->constLevel() >= 0 ? ValNum : arg(0)->valType(); }
@@ -236,12 +281,14 @@ CalcNodeExec::CalcNodeExec(const char* name, ObjAppendListP<CalcNode>* args, Cal
 CalcNodeExec::CalcNodeExec(const char* name, ObjAppendListP<CalcNode>* args, CalcBinder* binder, bool owns)
     try : CalcNodeFunc(name, args, 1, binder ? 2 : 1), binder(binder), ownsBinder(owns && binder) {
     text = arg(0)->valStr();
+    if (binder && !owns) hold = new CalcNodeParserHold();
 } catch (...) {
     // The node never existed: an owned binder goes with it.
     if (owns) delete binder;
 }
 
 CalcNodeExec::~CalcNodeExec() {
+    delete hold;
     delete parser;
     if (ownsBinder) delete binder;
 }
@@ -279,18 +326,19 @@ void CalcNodeExec::activate(bool force) {
     if (parser) parser->activate(force);
 }
 
+int CalcNodeExec::listNodes(std::list<CalcNode*>& out, Type type) {
+    int n = CalcNodeFunc::listNodes(out, type);
+    if (hold) n += hold->listNodes(out, type);
+    return n;
+}
+
 // ---- keep and get ----
 
 CalcNodeFuncKeep::CalcNodeFuncKeep(const char* name, ObjAppendListP<CalcNode>* args, bool getMode)
     : CalcNodeFunc(name, args, 1, 2), getMode(getMode) {
     CalcNode* x = arg(0);
-    args->data[0] = nullptr;  // so that a failure below doesn't free x twice
-    try {
-        args->data[0] = new CalcNodeMem(name, x);
-    } catch (...) {
-        args->data[0] = x;
-        throw;
-    }
+    args->data[0] = nullptr;  // the cell takes x over, even when it fails
+    args->data[0] = new CalcNodeMem(name, x);
 }
 
 void CalcNodeFuncKeep::foldIntoCell(CalcParser& parser, const char* numFunction, const char* strFunction) {
@@ -299,7 +347,7 @@ void CalcNodeFuncKeep::foldIntoCell(CalcParser& parser, const char* numFunction,
     const char* function = x->valType() == ValStr ? strFunction : numFunction;
     auto* list = new ObjAppendListP<CalcNode>;
     mem->node = nullptr;  // x now belongs to the list
-    *list << new CalcNodeLink(mem->store) << x;
+    *list << new CalcNodeCellValue(mem->store) << x;
     CalcNode* extremum = function == strFunction ? bindStrFunction(function, list, parser)
                                                  : bindNumFunction(function, list, parser);
     if (!extremum) {

@@ -92,15 +92,27 @@ private:
     void readLeading();
 };
 
+// Ties a tree to its parser. A parser reduced inside another gives its tree up
+// when the tree holds no variable, and is destroyed; a node that reads through
+// the parser or its binders at run time lists one of these among its
+// variables, so that the parser stays.
+class CalcNodeParserHold : public CalcNodeMem {
+public:
+    CalcNodeParserHold() : CalcNodeMem("parser hold", new CalcNodeNull()) {}
+};
+
 // option(name, default): the outside symbol called by the text of argument 0,
 // or argument 1 when no binder knows it.
 class CalcNodeFuncOption : public CalcNodeFunc {
 public:
     CalcBinderListT<CalcBinder>* binders;  // the parser's binder list, not owned
 
-    CalcNodeFuncOption(const char* name, ObjAppendListP<CalcNode>* args, CalcBinderListT<CalcBinder>* binders)
-        : CalcNodeFunc(name, args, 2, 2), binders(binders) {}
+    CalcNodeFuncOption(const char* name, ObjAppendListP<CalcNode>* args, CalcBinderListT<CalcBinder>* binders);
+    ~CalcNodeFuncOption() override;
     int valType() override { return arg(1)->valType(); }
+    // That of what is read: the symbol or the default; unknown (0) while the
+    // name varies.
+    int constLevel() override;
     double valNum() override;
     String valStr() override;
     RawBuffer& valRaw(RawBuffer& buffer) override;
@@ -108,8 +120,11 @@ public:
     // A constant name is looked up once, and the answer (or the default)
     // replaces the node.
     CalcNode* reduce() override;
+    int listNodes(std::list<CalcNode*>& out, Type type) override;
+    using CalcNodeFunc::listNodes;
 
 private:
+    CalcNodeParserHold* hold = nullptr;  // owned
     CalcNode* lookup();  // a new node, or null
 };
 
@@ -121,15 +136,23 @@ public:
     String text;                           // the call as written, for messages
 
     CalcNodeFuncSymRef(const char* name, ObjAppendListP<CalcNode>* args, CalcBinderListT<CalcBinder>* binders);
+    ~CalcNodeFuncSymRef() override;
     // A new reference to the symbol, owned by the caller; null if unknown.
     CalcNode* getRef();
     int valType() override;
+    // That of the symbol; unknown (0) while the name varies.
+    int constLevel() override;
     double valNum() override;
     String valStr() override;
     RawBuffer& valRaw(RawBuffer& buffer) override;
     using CalcNode::valRaw;
     // A constant name is bound once, and the reference replaces the node.
     CalcNode* reduce() override;
+    int listNodes(std::list<CalcNode*>& out, Type type) override;
+    using CalcNodeFunc::listNodes;
+
+private:
+    CalcNodeParserHold* hold = nullptr;  // owned
 };
 
 // exec(text): compiles the text of argument 0, taken when the node is built,
@@ -168,8 +191,11 @@ public:
     void reset(int level) override;
     bool activates() override;
     void activate(bool force) override;
+    int listNodes(std::list<CalcNode*>& out, Type type) override;
+    using CalcNodeFunc::listNodes;
 
 private:
+    CalcNodeParserHold* hold = nullptr;  // owned; with a borrowed binder
     CalcNodeExec(const char* name, ObjAppendListP<CalcNode>* args, CalcBinder* binder, bool owns);
 };
 

@@ -176,8 +176,15 @@ CalcNode* CalcNodeVector::property(const char* name, CalcNodeMem* via) {
 
 CalcNode* CalcNodeVector::method(const char* name, ObjAppendListP<CalcNode>* args, CalcNodeMem* via) {
     if (!via || !name) return nullptr;
-    if (same(name, "operator::[]")) return new CalcNodeVectorLeaf(name, args, this);
-    if (same(name, "size")) return new CalcNodeVectorSize("@size", args, this);
+    // The counts are checked here: a failure leaves args to the caller.
+    if (same(name, "operator::[]")) {
+        checkArguments(name, args, static_cast<int>(dims.count), static_cast<int>(dims.count));
+        return new CalcNodeVectorLeaf(name, args, this);
+    }
+    if (same(name, "size")) {
+        checkArguments("@size", args, 1, 1);
+        return new CalcNodeVectorSize("@size", args, this);
+    }
     return nullptr;
 }
 
@@ -207,7 +214,6 @@ CalcNode* CalcNodeVector::method(const char* name, ObjAppendListP<CalcNode>* arg
 
 void CalcNodeVector::addGeneration(const char* name, ObjAppendListP<CalcNode>* args, const char* argText,
                                    CalcBinder& binder) {
-    std::unique_ptr<ObjAppendListP<CalcNode>> parsed(args);
     checkArguments(name, args, 1, static_cast<int>(maxElements));
     if (dims.count == 0) {
         dims << args->count;
@@ -255,6 +261,7 @@ void CalcNodeVector::addGeneration(const char* name, ObjAppendListP<CalcNode>* a
     }
     ++generation;
     bindNode = nullptr;
+    delete args;  // compiled anew from their text
 }
 
 String CalcNodeVector::valPrint() {
