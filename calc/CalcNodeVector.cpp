@@ -6,6 +6,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "calc/CalcBinderData.h"
 #include "calc/CalcError.h"
 #include "calc/CalcFunctions.h"
 #include "calc/CalcParser.h"
@@ -40,20 +41,6 @@ public:
 
 private:
     std::shared_ptr<CalcNode> keeper;
-};
-
-// The position counter of one dimension while an element compiles; constant
-// by its level, so that the element keeps the value it was compiled with.
-class CalcNodeVectorCounter : public CalcNode {
-public:
-    CalcNodeVectorCounter(const char* name, const long* counter) : CalcNode(name), counter(counter) {}
-    Type nodeType() override { return TypeData; }
-    int valType() override { return ValNum; }
-    int constLevel() override { return -1; }
-    double valNum() override { return static_cast<double>(*counter); }
-
-private:
-    const long* counter;
 };
 
 }  // namespace
@@ -352,7 +339,9 @@ CalcNode* CalcNodeVector::bindSymbol(const char* name) {
         return new CalcNodeNull();
     }
     if (k < 1 || k > 9 || k > dims.count) return nullptr;
-    return new CalcNodeVectorCounter(name, &bindShifts.data[k - 1]);
+    // Constant by its level, so that the element keeps the position it was
+    // compiled at.
+    return new CalcNodeData<long>(name, nullptr, &bindShifts.data[k - 1], -1);
 }
 
 // ---- v[i, ...] ----
