@@ -223,3 +223,24 @@ TEST(FuncStateText, SortFromText) {
     EXPECT_THROW(CalcParser("sort(x)@reverse(1,1,1)", b), CalcErrorArgsTooMany);
     EXPECT_THROW(CalcParser("sort(x)@select(1,2)", b), CalcErrorArgsTooMany);
 }
+
+TEST(FuncStateText, TreesThatReadThroughTheirParserKeepIt) {
+    // A parser reduced inside another tree gives its tree up when nothing in
+    // it needs the parser; these do, at every read.
+    RowBinder b;
+    b.texts["n"] = {"x", "y"};
+    b.setColumn("x", {3, 4});
+    b.rows.count = 2;
+    CalcParser e("exec(\"2*3\")", b);
+    EXPECT_EQ(e.reduce(), nullptr);
+    EXPECT_EQ(e.valNum(), 6);
+    CalcParser o("option(n, 5)", b);
+    EXPECT_EQ(o.reduce(), nullptr);
+    EXPECT_EQ(o.valNum(), 3);
+    CalcParser s("symref(n)", b);
+    EXPECT_EQ(s.reduce(), nullptr);
+    EXPECT_EQ(s.valNum(), 3);
+    // The same as elements of a vector, each compiled by a parser of its own.
+    CalcParser v("a = vector(2)[exec(\"1+1\"), option(n, 5)]; a[0] + a[1]", b);
+    EXPECT_EQ(v.valNum(), 5);
+}

@@ -220,3 +220,14 @@ TEST(Vector, FlatteningAVectorWithoutElements) {
     RowBinder b;
     EXPECT_THROW(CalcParser("a=vector(3); choose(a, 1)", b), CalcErrorArgsMissing);
 }
+
+TEST(Vector, LeavesTheBinderListWhenDestroyed) {
+    RowBinder b;
+    // The vector goes with the branch that the constant condition drops; the
+    // parser must not ask it for symbols afterwards.
+    CalcParser p("1 ? 2 : vector(2)[1,2]", b);
+    EXPECT_EQ(p.binders.size(), 1);
+    EXPECT_EQ(p.bindSymbol("$0"), nullptr);
+    CalcParser q("vector(2)[1,2]", b);
+    EXPECT_EQ(q.binders.size(), 2);
+}
