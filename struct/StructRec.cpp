@@ -121,7 +121,12 @@ StructRec::StructRec(const char* dictionary, StructBase& base, StructElem* prev,
     : StructTree(&base, prev, parent, name, unit, sizeText),
       dictionaryPath(parent ? parent->getDictionaryPath() : String(nullptr)) {
     fields.setTruncSize(300);
-    autoDescribe(dictionary);
+    try {
+        autoDescribe(dictionary);
+    } catch (...) {
+        clearFields();
+        throw;
+    }
 }
 
 StructRec::~StructRec() {

@@ -1,0 +1,357 @@
+// The dependency machinery: cached offsets and sizes registered with the
+// arrays that can move them, and marked stale when those arrays move. A small
+// array stands in for the real one: it holds one element and moves it over
+// the bytes one element at a time.
+#include "TreeFixture.h"
+#include "dict/CalcBinder.h"
+#include "struct/Error.h"
+#include "struct/StructAlias.h"
+#include "struct/StructArray.h"
+#include "struct/StructNum.h"
+#include "struct/StructRec.h"
+#include "struct/StructString.h"
+
+using treetest::errorOf;
+using treetest::text;
+using vexa::File;
+using vexa::StructAlias;
+using vexa::StructArray;
+using vexa::StructBase;
+using vexa::StructElem;
+using vexa::StructRec;
+using zun::String;
+
+namespace {
+
+// A fixed-count array that walks its element from the start.
+class WalkArray : public StructArray {
+public:
+    int moves = 0;
+
+    WalkArray(StructElem* prev, StructElem* parent, const char* name, long count)
+        : StructArray(prev, parent, name, "array", "") {
+        dim = count;
+    }
+    // Takes the element over; its offset moves with the arrays around this one.
+    void setElement(StructElem* e) {
+        element = e;
+        registerDep(getParentArray(0), element->offset);
+    }
+    long numElems() override { return dim; }
+    String getTypeStr(int level) override { return String("(walk)"); }
+    void setSizeByCumul() override {
+        setArray(dim - 1);
+        size = element->getOffset() + element->getSize();
+    }
+    StructElem* getField(const char* name) override {
+        if (!name || !*name) return this;
+        String index(name);
+        if (!index.isInteger()) throw vexa::ErrorArrayIndexInvalid(getPathName().str(), name);
+        return &(*this)[index.toLong()];
+    }
+    StructElem& operator[](long i) override {
+        setArray(i);
+        element->elemName = String();
+        element->elemName << activeIndex;
+        return *element;
+    }
+    void setArray(long i) override {
+        if (element->offset < 0) setPtr(0, 0);
+        if (i == activeIndex) return;
+        if (i < activeIndex) setPtr(0, 0);
+        stepArray(i - activeIndex);
+    }
+    void stepArray(long n) override {
+        for (long k = 0; k < n; ++k) setPtr(element->offset + element->getSize(), activeIndex + 1);
+    }
+
+private:
+    void setPtr(long place, long index) {
+        element->offset = place;
+        activeIndex = index;
+        ++moves;
+        invalidate();
+    }
+};
+
+// A string whose length is the value of the field before it, as a size
+// statement naming that field would give.
+class LengthString : public vexa::StructString {
+public:
+    LengthString(StructElem* prev, StructElem* parent, const char* name)
+        : vexa::StructString(prev, parent, name, nullptr, -1) {}
+    void setSize() override {
+        unsigned short n;
+        prev->readUShort(n);
+        size = n;
+    }
+    StructArray* getSizeDep() override {
+        if (!known) {
+            known = true;
+            dep = getParentArray(0);
+            StructArray::registerDep(dep, size);
+        }
+        return dep;
+    }
+
+private:
+    bool known = false;
+    StructArray* dep = nullptr;
+};
+
+class Dependencies : public treetest::TreeTest {
+protected:
+    std::unique_ptr<File> file;
+    WalkArray* items = nullptr;   // a field of the root, owned by it
+    StructRec* item = nullptr;
+    StructElem* len = nullptr;
+    StructElem* textField = nullptr;
+    StructElem* flag = nullptr;
+
+    StructBase& root() { return file->getRoot(); }
+
+    // A record of hand-made fields: the record's own code sizes it.
+    StructRec* record(StructElem* parent, const char* name) {
+        auto* r = new StructRec(dictPath("item").c_str(), root(), nullptr, parent, name, nullptr, "");
+        return r;
+    }
+
+    // root: count (UChar), then an array "items" of 3 records {len, text, flag}.
+    void buildVariable() {
+        dict("item", "item|||\n");
+        dict("r", "r|||\ncount|UChar|||\n");
+        std::string bytes = "\x03";
+        bytes += std::string("\x02" "ab" "\x0A", 4);
+        bytes += std::string("\x00" "" "\x0B", 2);
+        bytes += std::string("\x03" "xyz" "\x0C", 5);
+        file = open("r", bytes);
+        items = new WalkArray(&root()[0], &root(), "items", 3);
+        root().fields << items;
+        item = record(items, "0");
+        len = new vexa::StructNumUChar(nullptr, item, "len", nullptr, -1);
+        textField = new LengthString(len, item, "text");
+        flag = new vexa::StructNumUChar(textField, item, "flag", nullptr, -1);
+        item->fields << len << textField << flag;
+        items->setElement(item);
+    }
+
+    bool registered(long& slot) {
+        zun::ObjAppendList<long*>& slots = root().depSlots;
+        for (long i = 0; i < slots.count; ++i)
+            if (slots[i] == &slot) return true;
+        return false;
+    }
+    long slotIndex(long& slot) {
+        zun::ObjAppendList<long*>& slots = root().depSlots;
+        for (long i = 0; i < slots.count; ++i)
+            if (slots[i] == &slot) return i;
+        return -1;
+    }
+    static bool linked(StructArray& a, long index) {
+        for (long i = 0; i < a.depLinks.count; ++i)
+            if (a.depLinks[i] == index) return true;
+        return false;
+    }
+    std::string value(StructElem& e) { return text(e.readAll(true)); }
+};
+
+}  // namespace
+
+TEST_F(Dependencies, WalkedArrayReadsEachElement) {
+    buildVariable();
+    (*items)[0];
+    EXPECT_EQ(value(*flag), "10");
+    EXPECT_EQ(value(*textField), "\"ab\"");
+    (*items)[1];
+    EXPECT_EQ(flag->getPos(), 6);
+    EXPECT_EQ(value(*flag), "11");
+    EXPECT_EQ(value(*textField), "\"\"");
+    (*items)[2];
+    EXPECT_EQ(value(*flag), "12");
+    EXPECT_EQ(value(*textField), "\"xyz\"");
+    (*items)[0];
+    EXPECT_EQ(value(*flag), "10");
+    EXPECT_EQ(text(flag->getPathName()), "items.0.flag");
+    EXPECT_EQ(items->getSize(), 11);
+}
+
+TEST_F(Dependencies, WhatMovesIsRegisteredAndWhatDoesNotIsNot) {
+    buildVariable();
+    (*items)[0];
+    flag->getOffset();
+    item->getSize();
+    EXPECT_FALSE(registered(len->offset));      // a first child lies at 0 whatever the array does
+    EXPECT_TRUE(registered(textField->size));
+    EXPECT_FALSE(registered(textField->offset));  // behind a fixed-size first child
+    EXPECT_TRUE(registered(flag->offset));
+    EXPECT_TRUE(registered(item->size));
+    EXPECT_TRUE(linked(*items, slotIndex(flag->offset)));
+    EXPECT_TRUE(linked(*items, slotIndex(item->size)));
+    EXPECT_EQ(flag->getOffsetDep(), items);
+    EXPECT_EQ(item->getSizeDep(), items);
+    EXPECT_EQ(len->getOffsetDep(), nullptr);
+    EXPECT_EQ(textField->getOffsetDep(), nullptr);
+    EXPECT_EQ(textField->offset, 1);
+}
+
+TEST_F(Dependencies, AMoveMarksTheSlotsStale) {
+    buildVariable();
+    (*items)[0];
+    EXPECT_EQ(flag->getOffset(), 3);
+    EXPECT_EQ(item->getSize(), 4);
+    (*items)[1];
+    EXPECT_EQ(flag->offset, -1);
+    EXPECT_EQ(textField->size, -1);
+    EXPECT_EQ(item->size, -1);
+    EXPECT_EQ(len->offset, 0);
+    EXPECT_EQ(textField->offset, 1);
+    EXPECT_EQ(flag->getOffset(), 1);
+    EXPECT_EQ(item->getSize(), 2);
+}
+
+TEST_F(Dependencies, RegistrationHappensOnce) {
+    buildVariable();
+    (*items)[0];
+    flag->getOffset();
+    long links = items->depLinks.count;
+    long slots = root().depSlots.count;
+    (*items)[2];
+    flag->getOffset();
+    item->getSize();
+    (*items)[1];
+    flag->getOffset();
+    EXPECT_EQ(root().depSlots.count, slots + 1);   // the record's size, asked for the first time
+    EXPECT_EQ(items->depLinks.count, links + 1);
+    EXPECT_EQ(root().allocDep(flag->offset), -1);
+}
+
+TEST_F(Dependencies, RemovedSlotsAreSkipped) {
+    buildVariable();
+    (*items)[0];
+    flag->getOffset();
+    long index = slotIndex(flag->offset);
+    ASSERT_GE(index, 0);
+    long spare = 5;
+    long spareIndex = root().allocDep(spare);
+    items->linkBack(spareIndex);
+    root().removeDep(spare);
+    EXPECT_EQ(root().depSlots[spareIndex], nullptr);
+    EXPECT_TRUE(linked(*items, spareIndex));
+    (*items)[1];
+    EXPECT_EQ(spare, 5);
+    EXPECT_EQ(flag->offset, -1);
+    EXPECT_EQ(root().depSlots[index], &flag->offset);
+    long missing = 0;
+    root().removeDep(missing);   // not registered: no error
+    items->linkBack(-1);         // a negative slot adds nothing
+    EXPECT_FALSE(linked(*items, -1));
+}
+
+TEST_F(Dependencies, ElementsTakeTheirSlotsAlong) {
+    buildVariable();
+    (*items)[0];
+    flag->getOffset();
+    long index = slotIndex(flag->offset);
+    item->fields.del(1);
+    delete flag;
+    EXPECT_EQ(root().depSlots[index], nullptr);
+    (*items)[1];   // walks the links without touching the deleted field
+    EXPECT_EQ(textField->size, -1);
+}
+
+TEST_F(Dependencies, NestedArraysLinkOutward) {
+    dict("item", "item|||\n");
+    dict("r", "r|||\n");
+    // outer: 2 rows of inner: 2 records {len, text}
+    std::string bytes = std::string("\x01" "a" "\x00" "" "\x02" "bc" "\x01" "d", 8);
+    file = open("r", bytes);
+    items = new WalkArray(nullptr, &root(), "outer", 2);
+    root().fields << items;
+    auto* inner = new WalkArray(nullptr, items, "0", 2);
+    items->setElement(inner);
+    StructRec* rec = record(inner, "0");
+    StructElem* l = new vexa::StructNumUChar(nullptr, rec, "len", nullptr, -1);
+    StructElem* t = new LengthString(l, rec, "text");
+    rec->fields << l << t;
+    inner->setElement(rec);
+    // the inner array's element offset moves with the outer array
+    EXPECT_TRUE(registered(rec->offset));
+    EXPECT_TRUE(linked(*items, slotIndex(rec->offset)));
+    EXPECT_FALSE(linked(*inner, slotIndex(rec->offset)));
+    (*items)[0];
+    (*inner)[1];
+    EXPECT_EQ(value(*t), "\"\"");
+    EXPECT_TRUE(linked(*items, slotIndex(t->size)));
+    EXPECT_TRUE(linked(*inner, slotIndex(t->size)));
+    (*items)[1];
+    EXPECT_EQ(rec->offset, -1);
+    (*inner)[0];
+    EXPECT_EQ(value(*t), "\"bc\"");
+    (*inner)[1];
+    EXPECT_EQ(value(*t), "\"d\"");
+    EXPECT_EQ(t->getPos(), 7);
+    EXPECT_EQ(text(t->getPathName()), "outer.1.1.text");
+
+    EXPECT_EQ(t->getParentArray(0), inner);
+    EXPECT_EQ(t->getParentArray(1), items);
+    EXPECT_EQ(t->getParentArray(2), nullptr);
+    EXPECT_EQ(t->getParentArray(-1), nullptr);
+    EXPECT_EQ(StructElem::innerDep(items, inner), inner);
+    EXPECT_EQ(StructElem::innerDep(inner, items), inner);
+    EXPECT_EQ(StructElem::innerDep(nullptr, items), items);
+    EXPECT_EQ(StructElem::innerDep(items, nullptr), items);
+    EXPECT_EQ(StructElem::innerDep(items, items), items);
+
+    // references climb the arrays
+    int up = 0;
+    std::unique_ptr<StructAlias> out(t->getRef("--.", up, true));
+    EXPECT_EQ(out->target, &root());
+    EXPECT_EQ(up, 2);
+    std::unique_ptr<StructAlias> one(t->getRef("-.", up, true));
+    EXPECT_EQ(one->target, inner);
+    EXPECT_EQ(up, 0);
+    EXPECT_EQ(errorOf([&] { delete t->getRef("-.x", up, true); }), "array [outer.1] index [x] is invalid");
+    std::unique_ptr<StructAlias> fromInner(inner->getRef("", up, true));
+    EXPECT_EQ(fromInner->target, &root());
+    EXPECT_EQ(up, 1);
+    EXPECT_EQ(errorOf([&] { delete rec->getRef("+", up, true); }),
+              "reference [+] in structure [outer.1.1] (invalid field definition)");
+
+    // an alias freezes the indices of the arrays around its element
+    StructAlias frozen(*t, 0);
+    ASSERT_EQ(frozen.arrays.count, 2);
+    EXPECT_EQ(frozen.arrays[0], items);
+    EXPECT_EQ(frozen.indices[0], 1);
+    EXPECT_EQ(frozen.indices[1], 1);
+    (*items)[0];
+    (*inner)[0];
+    EXPECT_EQ(value(*frozen.resolve()), "\"d\"");
+    StructAlias upper = frozen.getParent().getParent();
+    EXPECT_EQ(upper.target, inner);
+    EXPECT_EQ(upper.arrays.count, 1);
+
+    // an alias through a path remembers the indices it named
+    StructAlias byPath(root(), "outer.0.1.text");
+    (*items)[1];
+    EXPECT_EQ(value(*byPath.resolve()), "\"\"");
+    EXPECT_EQ(byPath.arrays.count, 2);
+}
+
+TEST_F(Dependencies, IteratorsFollowTheArraysAround) {
+    buildVariable();
+    vexa::CalcArrayIterator nearest(0, flag);
+    EXPECT_EQ(nearest.array, items);
+    EXPECT_EQ(nearest.count(), 3);
+    nearest.setIndex(2);
+    EXPECT_EQ(nearest.getIndex(), 2);
+    EXPECT_EQ(value(*flag), "12");
+    vexa::CalcArrayIterator none(1, flag);
+    EXPECT_EQ(none.array, nullptr);
+    EXPECT_EQ(none.count(), 0);
+    EXPECT_EQ(none.getIndex(), 0);
+    none.setIndex(4);
+    vexa::CalcArrayIterator self(-1, items);
+    EXPECT_EQ(self.array, items);
+    EXPECT_EQ(treetest::signatureOf([&] { vexa::CalcArrayIterator top(0, &root()); }),
+              "VEXA016 no parent to root structure : ");
+}
