@@ -16,7 +16,6 @@ using namespace zun;
 namespace {
 
 CalcNode* plus(CalcNode* a, CalcNode* b) { return makeOperatorNode("+", a, b); }
-CalcNode* times(CalcNode* a, CalcNode* b) { return makeOperatorNode("*", a, b); }
 CalcNode* self() { return new CalcNodeSelf(1, 4); }
 
 using Recurse = CalcNodeFuncRecurse<double>;
@@ -28,20 +27,6 @@ double at(CalcNode& node, RowBinder& b, long i) {
 }
 
 }  // namespace
-
-TEST(FuncStateRecurse, CountsFromTheSeedBeforeIndexZero) {
-    RowBinder b;
-    b.rows.count = 10;
-    Recurse r("recurse", args({plus(self(), num(1))}), b, -1);
-    EXPECT_EQ(at(r, b, 0), 1);
-    EXPECT_EQ(at(r, b, 1), 2);
-    EXPECT_EQ(at(r, b, 2), 3);
-    EXPECT_EQ(at(r, b, 3), 4);
-
-    Recurse fresh("recurse", args({plus(self(), num(1))}), b, -1);
-    EXPECT_EQ(at(fresh, b, 3), 4);
-    EXPECT_EQ(b.rows.index, 3) << "the iterator stands where the read began";
-}
 
 TEST(FuncStateRecurse, SeedIsTheInitialValue) {
     RowBinder b;
@@ -97,14 +82,6 @@ TEST(FuncStateRecurse, JumpsBackwardsAndForwards) {
     EXPECT_EQ(at(r, b, 4), 15);
     // From index 2 held: only index 3 is caught up, then back to 4.
     EXPECT_EQ(b.rows.path, (std::vector<long>{3, 4}));
-}
-
-TEST(FuncStateRecurse, ProductWithSeedOne) {
-    RowBinder b;
-    b.setColumn("x", {2, 3, 4});
-    Recurse r("recurse", args({times(self(), b.bindSymbol("x")), num(1)}), b, -1);
-    EXPECT_EQ(at(r, b, 2), 24);
-    EXPECT_EQ(at(r, b, 0), 2);
 }
 
 TEST(FuncStateRecurse, NestedRecurseTakesItsOwnSelf) {
