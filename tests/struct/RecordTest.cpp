@@ -242,3 +242,18 @@ TEST_F(Records, FolderStandsForItsDefaultDataFile) {
     File byName(dictPath("r").c_str(), dir.path("data").c_str(), 5L, File::OrderNone);
     EXPECT_EQ(text(byName.getRoot().getChild("a")->readAll(true)), "6");
 }
+
+TEST_F(Records, LongRecordsAreSizedFromTheirEnd) {
+    std::string lines = "long|||\n";
+    const int n = 20000;
+    for (int i = 0; i < n; ++i) lines += "f" + std::to_string(i) + (i % 2 ? "|UShort|||\n" : "|UChar|||\n");
+    dict("long", lines);
+    std::string bytes(n / 2 * 3, '\0');
+    bytes[bytes.size() - 1] = '\x07';
+    file = open("long", bytes);
+    // the first question is about the very end: every offset before it is worked out
+    EXPECT_EQ(file->getRoot().getSize(), n / 2 * 3);
+    EXPECT_EQ(field("f12345").getPos(), 12344 / 2 * 3 + 1);
+    EXPECT_EQ(field("f12345").getSize(), 2);
+    EXPECT_EQ(text(field("f19999").readAll(true)), "7");
+}
