@@ -116,6 +116,22 @@ void StructElem::warmOffsets() {
     for (long i = static_cast<long>(chain.size()) - 1; i >= 0; i -= limit / 2) chain[i]->getOffset();
 }
 
+// The same for the dependencies of the offsets, which also ask their
+// predecessors first.
+void StructElem::warmOffsetDeps() {
+    const int limit = 256;
+    int n = 0;
+    StructElem* p = prev;
+    while (p && !p->offsetDepKnown && n <= limit) {
+        p = p->prev;
+        ++n;
+    }
+    if (n <= limit) return;
+    std::vector<StructElem*> chain;
+    for (p = prev; p && !p->offsetDepKnown; p = p->prev) chain.push_back(p);
+    for (long i = static_cast<long>(chain.size()) - 1; i >= 0; i -= limit / 2) chain[i]->getOffsetDep();
+}
+
 long StructElem::getSize() {
     if (size >= 0) return size;
     setSize();
@@ -142,6 +158,7 @@ StructArray* StructElem::getOffsetDep() {
         offset = 0;
         return nullptr;
     }
+    if (!prev->offsetDepKnown) warmOffsetDeps();
     StructArray* s = prev->getSizeDep();
     StructArray* o = prev->getOffsetDep();
     offsetDep = innerDep(o, s);

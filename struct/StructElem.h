@@ -227,6 +227,7 @@ protected:
 
 private:
     void warmOffsets();
+    void warmOffsetDeps();
 };
 
 }  // namespace vexa

@@ -355,3 +355,31 @@ TEST_F(Dependencies, IteratorsFollowTheArraysAround) {
     EXPECT_EQ(treetest::signatureOf([&] { vexa::CalcArrayIterator top(0, &root()); }),
               "VEXA016 no parent to root structure : ");
 }
+
+TEST_F(Dependencies, LongRecordInsideAnArray) {
+    dict("item", "item|||\n");
+    dict("r", "r|||\n");
+    const int n = 20000;
+    std::string bytes(2 * n + 2, '\0');
+    bytes[0] = 3;          // element 0: a length of 3, three bytes of text, then n - 2 more fields
+    bytes[n + 1] = 9;      // the last field of element 0
+    file = open("r", bytes);
+    items = new WalkArray(nullptr, &root(), "items", 2);
+    root().fields << items;
+    item = record(items, "0");
+    StructElem* prev = new vexa::StructNumUChar(nullptr, item, "len", nullptr, -1);
+    item->fields << prev;
+    prev = new LengthString(prev, item, "text");
+    item->fields << prev;
+    for (int i = 2; i < n; ++i) {
+        prev = new vexa::StructNumUChar(prev, item, ("f" + std::to_string(i)).c_str(), nullptr, -1);
+        item->fields << prev;
+    }
+    items->setElement(item);
+    (*items)[0];
+    // the last field asks first: every offset and dependency before it is worked out
+    EXPECT_EQ(prev->getOffset(), n + 1);
+    EXPECT_EQ(value(*prev), "9");
+    EXPECT_EQ(prev->getOffsetDep(), items);
+    EXPECT_EQ(item->getSize(), n + 2);
+}
