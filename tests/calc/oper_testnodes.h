@@ -12,6 +12,7 @@
 #include "base/String.h"
 #include "calc/CalcNode.h"
 #include "calc/CalcNodeOper.h"
+#include "calc/CalcParser.h"
 
 namespace calctest {
 
@@ -72,5 +73,30 @@ public:
         return zun::truncToLLong(type == zun::ValNum ? number : text.toSmartDouble());
     }
 };
+
+// Binds "x" to a probe of 5, "y" to one of 0 and "s" to one of the text "abc",
+// all logging to the same string.
+class ProbeBinder : public zun::CalcBinder {
+public:
+    std::string log;
+    CalcNode* bindSymbol(const char* name) override {
+        if (std::strcmp(name, "x") == 0) return new Probe(log, "x", 5);
+        if (std::strcmp(name, "y") == 0) return new Probe(log, "y", 0);
+        if (std::strcmp(name, "s") == 0) return new Probe(log, "s", String("abc"));
+        return nullptr;
+    }
+};
+
+inline double numOf(const char* text) {
+    zun::CalcParser p(text, static_cast<zun::CalcBinder*>(nullptr));
+    return p.valNum();
+}
+
+// The text of an expression; "<null>" for the null string.
+inline std::string strOf(const char* text) {
+    zun::CalcParser p(text, static_cast<zun::CalcBinder*>(nullptr));
+    String s = p.valStr();
+    return s.text ? std::string(s.text, s.length) : std::string("<null>");
+}
 
 }  // namespace calctest
