@@ -257,3 +257,22 @@ TEST_F(Records, LongRecordsAreSizedFromTheirEnd) {
     EXPECT_EQ(field("f12345").getSize(), 2);
     EXPECT_EQ(text(field("f19999").readAll(true)), "7");
 }
+
+TEST_F(Records, DoubleSlashDataPathsUseTheSearchList) {
+    dict("r", "r|||\na|UChar|||\n");
+    dir.write("a/sub/x.bin", "\x01");
+    dir.write("b/sub/x.bin", "\x02");
+    dir.write("c/x.bin", "\x03");
+    treetest::EnvVar search("VEXA_AUXFILE_PATH", dir.path("a") + "::" + dir.path("b"));
+    treetest::EnvVar specific("VEXA_AUXFILE_PATH_sub", nullptr);
+    File first(dictPath("r").c_str(), "//sub/x.bin", 5L, File::OrderNone);
+    EXPECT_EQ(text(first.getRoot().getChild("a")->readAll(true)), "1");
+    EXPECT_EQ(text(first.getName()), dir.path("a/sub/x.bin"));
+    treetest::EnvVar folder("VEXA_AUXFILE_PATH_sub", dir.path("c"));
+    File second(dictPath("r").c_str(), "//sub/x.bin", 5L, File::OrderNone);
+    EXPECT_EQ(text(second.getRoot().getChild("a")->readAll(true)), "3");
+    // only the first entry counts, whether the file is there or not
+    dir.write("b/sub/y.bin", "\x04");
+    treetest::EnvVar none("VEXA_AUXFILE_PATH_sub", nullptr);
+    EXPECT_NE(errorOf([&] { File f(dictPath("r").c_str(), "//sub/y.bin", 5L, File::OrderNone); }), "");
+}
