@@ -32,8 +32,10 @@ CalcNode* oper(CalcParser& parser, CalcNode* left, String* op, CalcNode* right, 
 CalcNode* conditional(CalcNode* condition, CalcNode* then, CalcNode* otherwise);
 CalcNode* prefix(CalcParser& parser, const char* op, CalcNode* operand, const CalcLocation& opAt);
 CalcNode* methodCall(CalcParser& parser, CalcNode* left, String* name, Args* args, const CalcLocation& argsAt);
-CalcNode* property(CalcParser& parser, CalcNode* left, String* name, const CalcLocation& at);
-CalcNode* index(CalcParser& parser, CalcNode* left, Args* args, const CalcLocation& argsAt, const CalcLocation& at);
+CalcNode* property(CalcParser& parser, CalcNode* left, String* name, const CalcLocation& atAt,
+                   const CalcLocation& nameAt);
+CalcNode* index(CalcParser& parser, CalcNode* left, Args* args, const CalcLocation& openAt, const CalcLocation& argsAt,
+                const CalcLocation& closeAt);
 CalcNode* cast(CalcParser& parser, String* name, CalcNode* operand, const CalcLocation& closeAt,
                const CalcLocation& operandAt);
 CalcNode* keyword(CalcParser& parser, CalcNode* left, String* word, const CalcLocation& leftAt,

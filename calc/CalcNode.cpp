@@ -442,7 +442,13 @@ String CalcNodeLink::valInit() { return target->valInit(); }
 CalcNode::Value& CalcNodeLink::val(Value& value) { return target->val(value); }
 bool CalcNodeLink::activates() { return target->activates(); }
 void CalcNodeLink::activate(bool force) { target->activate(force); }
-CalcNode* CalcNodeLink::reduce() { return reduceConst(); }
+// A variable reduces its own expression and stays what it is, and so does
+// the link to it. Any other target belongs to a tree of its own, whose owner
+// reduces it: the link folds only to a constant copy.
+CalcNode* CalcNodeLink::reduce() {
+    if (target->nodeType() == TypeMem) return target->reduce();
+    return reduceConst();
+}
 
 int CalcNodeLink::listNodes(std::list<CalcNode*>& out, const char* namePattern, const char* implementsName,
                             bool leavesOnly) {

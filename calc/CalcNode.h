@@ -209,8 +209,9 @@ public:
 // A reference to a node owned elsewhere; everything but nodeType forwards.
 // Where the target answers keyword, property, method, operOverload or
 // operOverloadR with itself, the link answers with itself. Any other answer
-// refers to the target, never to the link. reduce() is the constant fold
-// alone: the target's subtree belongs to its owner.
+// refers to the target, never to the link. reduce() goes to a variable
+// target, and is the constant fold alone for any other: the target's
+// subtree belongs to its owner.
 class CalcNodeLink : public CalcNode {
 public:
     CalcNode* target;   // not owned

@@ -90,6 +90,7 @@ void CalcParser::init(const char* text, bool lenient) {
 }
 
 void CalcParser::init(std::istream& in, bool lenient) {
+    statements.setTruncSize(8);
     delete result;
     result = nullptr;
     resultLevel = -1;
@@ -445,18 +446,21 @@ CalcNode* methodCall(CalcParser& parser, CalcNode* left, String* name, Args* arg
     return answer;
 }
 
-CalcNode* property(CalcParser& parser, CalcNode* left, String* name, const CalcLocation& at) {
+CalcNode* property(CalcParser& parser, CalcNode* left, String* name, const CalcLocation& atAt,
+                   const CalcLocation& nameAt) {
     StringPtr ownedName(name);
     NodePtr owned(left);
     CalcNode* answer = left->property(name->str(), nullptr);
     if (!answer)
-        throw located(parser, CalcErrorPropertyInvalid(quoted(name->str()).text), at.first_column, at.last_column);
+        throw located(parser, CalcErrorPropertyInvalid(quoted(name->str()).text), atAt.first_column,
+                      nameAt.last_column);
     owned.release();
     handOver(left, answer);
     return answer;
 }
 
-CalcNode* index(CalcParser& parser, CalcNode* left, Args* args, const CalcLocation& argsAt, const CalcLocation& at) {
+CalcNode* index(CalcParser& parser, CalcNode* left, Args* args, const CalcLocation& openAt, const CalcLocation& argsAt,
+                const CalcLocation& closeAt) {
     static const char name[] = "operator::[]";
     NodePtr owned(left);
     ArgsPtr ownedArgs(args);
@@ -481,7 +485,8 @@ CalcNode* index(CalcParser& parser, CalcNode* left, Args* args, const CalcLocati
         return answer;
     }
     if (left->valType() != ValStr)
-        throw located(parser, CalcErrorOperatorInvalid(inParentheses(name).text), at.first_column, at.last_column);
+        throw located(parser, CalcErrorOperatorInvalid(inParentheses(name).text), openAt.first_column,
+                      closeAt.last_column);
     // The index of a text is its substring.
     prepend(*args, owned.release());
     return makeSubstrNode(name, ownedArgs.release());

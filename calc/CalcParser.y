@@ -129,8 +129,8 @@ expr
     | expr '%' expr                     { ACT($$ = g::binary(*parser, "%", $1, $3, @2)); }
     | expr '^' expr                     { ACT($$ = g::binary(*parser, "^", $1, $3, @2)); }
     | expr '@' NAME '(' args ')'        { ACT($$ = g::methodCall(*parser, $1, $3, $5, @5)); }
-    | expr '@' NAME                     { ACT($$ = g::property(*parser, $1, $3, @$)); }
-    | expr '[' args ']'                 { ACT($$ = g::index(*parser, $1, $3, @3, @$)); }
+    | expr '@' NAME                     { ACT($$ = g::property(*parser, $1, $3, @2, @3)); }
+    | expr '[' args ']'                 { ACT($$ = g::index(*parser, $1, $3, @2, @3, @4)); }
     | '(' NAME ')' expr %prec CAST      { ACT($$ = g::cast(*parser, $2, $4, @3, @4)); }
     | expr NAME                         { ACT($$ = g::keyword(*parser, $1, $2, @1, @2)); }
     | expr BRACED                       { ACT($$ = g::keyword(*parser, $1, $2, @1, @2)); }
