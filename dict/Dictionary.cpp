@@ -110,8 +110,18 @@ void Dictionary::init(const char* given) {
     }
     zun::FileUtils::pathNameCheck(file.str(), nullptr);
     stream = new zun::InputFStream(file.str());
+    // The header counts even as the only line, without a newline.
     stream->getline(line, lineSize, '\n');
-    if (!stream->eof() && stream->fail()) line[0] = 0;
+    if (!stream->eof() && stream->fail()) {
+        // the constructor fails: nobody else will close the file
+        try {
+            throwLineTooLong();
+        } catch (...) {
+            delete stream;
+            stream = nullptr;
+            throw;
+        }
+    }
     ObjAppendList<String> columns;
     prepareSlots(columns, 4, {1, 2});
     extractColumns(columns);
@@ -125,13 +135,15 @@ void Dictionary::init(const char* given) {
 bool Dictionary::readLine() {
     stream->getline(line, lineSize, '\n');
     if (stream->eof()) return false;
-    if (stream->fail()) {
-        String text("line longer than ");
-        text << lineSize - 1;
-        text += " characters";
-        throw ErrorDictionary(path().str(), text.str());
-    }
+    if (stream->fail()) throwLineTooLong();
     return true;
+}
+
+void Dictionary::throwLineTooLong() const {
+    String text("line longer than ");
+    text << lineSize - 1;
+    text += " characters";
+    throw ErrorDictionary(path().str(), text.str());
 }
 
 int Dictionary::extractColumns(ObjAppendList<String>& columns) const {

@@ -64,6 +64,7 @@ public:
 private:
     // Reads the next line into `line`; false at the end of the file.
     bool readLine();
+    [[noreturn]] void throwLineTooLong() const;
     StructElem* makeElement(StructElem* prev, StructElem* parent, StructElem*& offsetElem,
                             zun::ObjAppendList<zun::String>& columns);
 };

@@ -115,6 +115,9 @@ TEST_F(Reader, LineRules) {
     EXPECT_EQ(line("a|UChar|||4"), "unsupported array field \"a\"");
     EXPECT_EQ(line("~a|UChar||1|3"), "unsupported array field \"a\"");
     EXPECT_EQ(line(std::string("a|UChar|") + std::string(2100, 'u') + "||"), "line longer than 2047 characters");
+    dict("long", std::string(2100, 'h') + "|||\n");
+    EXPECT_EQ(errorOf([&] { open("long", ""); }),
+              "line longer than 2047 characters in dictionary '" + dictPath("long") + "'");
 }
 
 TEST_F(Reader, FactoryMessages) {
