@@ -399,11 +399,29 @@ String StructRec::lastFieldText() {
     return text;
 }
 
+void StructRec::checkChain(zun::ObjAppendList<String>& seen, const String& next) {
+    String step = dictionaryPath + "\n" + next.str();
+    for (long i = 0; i < seen.count; ++i) {
+        if (seen[i] != step) continue;
+        String reason("auto-descriptive dictionary ");
+        reason += String(dictionaryPath).quote('"');
+        reason += " names ";
+        reason += String(next.str()).quote('"');
+        reason += " again";
+        throw ErrorReferenceRecursion(getPathName().str(), reason.str());
+    }
+    seen << step;
+}
+
 void StructRec::autoDescribe(const char* dictionary) {
     initialising = false;
     initDictionary(dictionary);
+    // The same dictionary reached again under the same name reads the same
+    // bytes and names the same successor: the chain would never end.
+    zun::ObjAppendList<String> seen;
     while (recordType.toUppercase() == "AUTO-DESCRIPTIVE") {
         String next = lastFieldText();
+        checkChain(seen, next);
         clearFields();
         size = -1;
         offset = -1;
@@ -419,6 +437,7 @@ long StructRec::importDictionary(const char* name) {
     long markerCount = markers.count;
     String savedPath = dictionaryPath;
     try {
+        zun::ObjAppendList<String> seen;
         Dictionary* dictionary = new Dictionary(name);
         for (;;) {
             dictionaryPath = dictionary->path();
@@ -440,6 +459,7 @@ long StructRec::importDictionary(const char* name) {
             if (fields.count == 0) throw ErrorFieldIndexInvalid(getPathName().str(), -1);
             String next;
             fields.data[fields.count - 1]->readString(next, 0);
+            checkChain(seen, next);
             deleteFrom(fieldCount, markerCount);
             dictionary = new Dictionary(*this, next.str());
         }

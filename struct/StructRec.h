@@ -115,6 +115,8 @@ private:
     void deleteFrom(long fieldCount, long markerCount);
     // The last field's value as text: the next dictionary of an auto-descriptive chain.
     zun::String lastFieldText();
+    // Throws ErrorReferenceRecursion when the chain comes back to a step it made.
+    void checkChain(zun::ObjAppendList<zun::String>& seen, const zun::String& next);
 };
 
 }  // namespace vexa

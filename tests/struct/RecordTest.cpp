@@ -276,3 +276,11 @@ TEST_F(Records, DoubleSlashDataPathsUseTheSearchList) {
     treetest::EnvVar none("VEXA_AUXFILE_PATH_sub", nullptr);
     EXPECT_NE(errorOf([&] { File f(dictPath("r").c_str(), "//sub/y.bin", 5L, File::OrderNone); }), "");
 }
+
+TEST_F(Records, AutoDescriptiveLoopIsStopped) {
+    dict("a", "AUTO-DESCRIPTIVE|||\nnext|String||1|\n");
+    dict("b", "AUTO-DESCRIPTIVE|||\nskip|UChar|||\nnext|String||1|\n");
+    EXPECT_EQ(errorOf([&] { open("a", "ba"); }),
+              "reference recursion from structure [root] (auto-descriptive dictionary \"" + dictPath("a") +
+                  "\" names \"b\" again)");
+}
