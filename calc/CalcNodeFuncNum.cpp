@@ -95,8 +95,10 @@ long long CalcNodeFuncBits::valInt() {
     long long start = truncToLLong(arg(1)->valNum());
     if (numArgs() < 3) return (value >> (start & 63)) & 1;
     long long n = truncToInt(arg(2)->valNum());
-    long long shift = n < 0 ? start + n + 1 : start;
-    long long width = n < 0 ? -n : n;
+    // Shift counts wrap modulo 64, so the sums may wrap as well.
+    unsigned long long shift = static_cast<unsigned long long>(start);
+    if (n < 0) shift += static_cast<unsigned long long>(n) + 1;
+    unsigned long long width = n < 0 ? static_cast<unsigned long long>(-n) : static_cast<unsigned long long>(n);
     unsigned long long mask = (1ULL << (width & 63)) - 1;
     return static_cast<long long>(static_cast<unsigned long long>(value >> (shift & 63)) & mask);
 }

@@ -16,6 +16,8 @@ namespace zun {
 namespace {
 
 const double kUsecPerDay = 86400000000.0;
+// The longest text a String can hold with its final zero.
+const long long kMaxLength = INT_MAX - 1;
 
 // Days as microseconds, truncated; false when that doesn't fit 64 bits.
 bool daysToUsec(double days, long long& usec) {
@@ -31,13 +33,13 @@ String CalcNodeFuncStrFill::valStr() {
     long long n = truncToLLong(arg(0)->valNum());
     if (n < 1) return String();
     if (numArgs() < 2) {
-        if (n > INT_MAX) return nullStr();  // longer than any text can be
+        if (n > kMaxLength) return nullStr();  // longer than any text can be
         return String(static_cast<int>(n), ' ');
     }
     String text = arg(1)->valStr();
     String result;
     if (text.length == 0) return result;
-    if (n > INT_MAX / text.length) return nullStr();
+    if (n > kMaxLength / text.length) return nullStr();
     result.append(text.text, static_cast<int>(n * text.length));
     return result;
 }
@@ -46,7 +48,7 @@ String CalcNodeFuncStrPad::valStr() {
     String text = arg(0)->valStr();
     if (text.isNull()) return text;
     int width = truncToInt(arg(1)->valNum());
-    if (width == INT_MIN) width = -INT_MAX;
+    if (width < -kMaxLength || width > kMaxLength) return nullStr();  // longer than any text can be
     if (numArgs() < 3) {
         text.pad(width, " ");
     } else {

@@ -36,6 +36,7 @@ TEST(FuncNumParse, ExactValues) {
         {"minselect(25)", -INFINITY},  {"maxselect(0,0,10)", 0},     {"numlookup(11,0,10)", -1},
         {"strlookup(\"\",\"a\",null)", 1}, {"min(3,-1/0,nan)", -INFINITY}, {"max(\"7\",5)", 7},
         {"ceil(-1.5)", -1},            {"threshold(nan,1,3)", 0},    {"threshold(2,2,3)", 0},
+        {"bits(1,nan,nan)", 0},
     };
     for (const NumCase& c : cases) EXPECT_EQ(numOf(c.text), c.value) << c.text;
     EXPECT_TRUE(std::isnan(numOf("min(nan,nan)")));

@@ -42,6 +42,7 @@ TEST(FuncStrText, EmptyIsNotNull) {
 TEST(FuncStrText, FillThatCannotFitIsNull) {
     EXPECT_TRUE(text<CalcNodeFuncStrFill>({num(3e9), str("ab")}).isNull());
     EXPECT_TRUE(text<CalcNodeFuncStrFill>({num(3e9)}).isNull());
+    EXPECT_TRUE(text<CalcNodeFuncStrPad>({str("a"), num(-2147483648.0)}).isNull());
 }
 
 TEST(FuncStrText, NullTextGivesNullWithoutReadingTheRest) {
