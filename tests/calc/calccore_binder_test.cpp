@@ -182,10 +182,6 @@ TEST(CalcBinderData, NumbersAndTexts) {
     EXPECT_EQ(twice.valNum(), 8);
     EXPECT_EQ(twice.constLevel(), 0);
 
-    long n = 7;
-    CalcBinderDataSType<long> ln("n", &n);
-    EXPECT_EQ(readText("n", ln), "7");
-
     const char* t = "12";
     CalcBinderDataSType<const char*> s("s", &t);
     CalcParser plus("s + 1", s);
@@ -197,8 +193,7 @@ TEST(CalcBinderData, NumbersAndTexts) {
 
     String owned("abc");
     CalcBinderDataSType<String> str("str", &owned);
-    EXPECT_EQ(readText("str << 'd'", str), "abcd");
-    EXPECT_THROW(CalcParser("str.x", str), zun::CalcErrorSymbolInvalid);
+    EXPECT_THROW(CalcParser("str.x", str), zun::CalcErrorSymbolInvalid) << "no fields";
 }
 
 TEST(CalcBinderData, OverlappingPrefixes) {

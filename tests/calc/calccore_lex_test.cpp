@@ -116,14 +116,6 @@ TEST(CalcLexStrings, NewlinesAndTheEndOfInput) {
     EXPECT_EQ(lexed("'ab\\"), "INVALID:\\");
 }
 
-TEST(CalcLexStrings, AStringTokenSpansItsQuotes) {
-    std::vector<Token> t = tokens("f('a,b')");
-    ASSERT_EQ(t.size(), 4u);
-    EXPECT_EQ(t[2].kind, T::SQ_STRING);
-    EXPECT_EQ(t[2].first, 3);
-    EXPECT_EQ(t[2].last, 7);
-}
-
 TEST(CalcLexInvalid, StrayBytesAreInvalidTokens) {
     EXPECT_EQ(lexed(std::string("a\0b", 3)), std::string("NAME:a INVALID:\0 NAME:b", 23));
 }

@@ -140,13 +140,6 @@ TEST(CalcParserPrimary, FunctionsFromBindersBeforeBuiltins) {
     EXPECT_EQ(value("max(1, 2)", b), 2);
 }
 
-TEST(CalcParserPrimary, UnknownFunctions) {
-    EXPECT_EQ(errorOf<zun::CalcErrorFunctionUnknown>("f(1)"), "\"f\"");
-    EXPECT_EQ(errorOf<zun::CalcErrorFunctionUnknown>("g()"), "\"g\"");
-    EXPECT_EQ(errorOf<zun::CalcErrorFunctionUnknown>("arcmidpoint(1,2,3,4)"), "\"arcmidpoint\"");
-    EXPECT_EQ(errorOf<zun::CalcErrorFunctionUnknown>("symref()"), "\"symref\"");
-}
-
 TEST(CalcParserPrimary, ArgumentsAreOfferedTheFunctionName) {
     TestBinder b;
     b.nodes["refuse"] = [] {
@@ -256,33 +249,15 @@ TEST(CalcParserErrors, SyntaxErrorsMarkFromTheStartToTheOffendingToken) {
     EXPECT_EQ(errorOf<zun::CalcError>("1 +\n)"), "in statement ( >>> 1 +\\n) <<< )") << "the text is escaped";
 }
 
-TEST(CalcParserErrors, CodesAndTitles) {
+TEST(CalcParserErrors, ASyntaxErrorIsTheBaseClass) {
     try {
         CalcParser("1+", static_cast<zun::CalcBinder*>(nullptr));
         FAIL() << "no error";
     } catch (zun::CalcError& e) {
-        EXPECT_STREQ(e.family(), "CALC");
         EXPECT_EQ(e.code(), 1);
-        EXPECT_STREQ(e.title(), "parse error");
         EXPECT_EQ(text(e.signature()), "CALC001");
+        EXPECT_STREQ(e.title(), "parse error");
     }
-    EXPECT_EQ(zun::CalcErrorOperatorInvalid().code(), 2);
-    EXPECT_EQ(zun::CalcErrorOperatorExpected().code(), 3);
-    EXPECT_EQ(zun::CalcErrorUnarySeqInvalid().code(), 4);
-    EXPECT_STREQ(zun::CalcErrorSemicolonExpected().title(), "semicolon Expected");
-    EXPECT_EQ(zun::CalcErrorArgsMissing("f", 2).code(), 6);
-    EXPECT_EQ(zun::CalcErrorArgsTooMany("f", 2).code(), 7);
-    EXPECT_EQ(zun::CalcErrorFunctionUnknown().code(), 8);
-    EXPECT_EQ(zun::CalcErrorFunctionCallInvalid("f", "t").code(), 9);
-    EXPECT_EQ(zun::CalcErrorSymbolInvalid("s").code(), 10);
-    EXPECT_STREQ(zun::CalcErrorReduction().title(), "error reducing expression");
-    EXPECT_EQ(zun::CalcErrorIterator().code(), 12);
-    EXPECT_EQ(zun::CalcErrorUnboundSelf().code(), 13);
-    EXPECT_STREQ(zun::CalcErrorPropertyInvalid().title(), "unsupported property or option");
-    EXPECT_EQ(zun::CalcErrorMethodInvalid().code(), 15);
-    EXPECT_EQ(zun::CalcErrorArgNotConst().code(), 16);
-    EXPECT_EQ(zun::CalcErrorAssignmentInvalid().code(), 17);
-    EXPECT_EQ(zun::CalcErrorOperationInvalid("x").code(), 18);
 }
 
 TEST(CalcParserErrors, Messages) {
@@ -389,10 +364,7 @@ TEST(CalcParserLimits, NestingBeyondTheStack) {
     EXPECT_EQ(value(deep.c_str()), 1);
     std::string tooDeep = std::string(300, '(') + "1" + std::string(300, ')');
     EXPECT_THROW(CalcParser(tooDeep.c_str(), static_cast<zun::CalcBinder*>(nullptr)), zun::CalcError);
-}
-
-TEST(CalcParserLimits, LenientStopsWhereTheStackRanOut) {
-    std::string tooDeep = std::string(300, '(') + "1" + std::string(300, ')');
+    // Lenient: the parse stops where the stack ran out, and so does the stream.
     std::istringstream in(tooDeep);
     CalcParser p(in, static_cast<zun::CalcBinder*>(nullptr), true);
     EXPECT_GT(p.consumed, 100);
@@ -402,13 +374,8 @@ TEST(CalcParserLimits, LenientStopsWhereTheStackRanOut) {
     std::istringstream bad("1+");
     EXPECT_THROW(CalcParser(bad, static_cast<zun::CalcBinder*>(nullptr), true), zun::CalcError)
         << "a syntax error isn't softened";
-}
-
-TEST(CalcParserLimits, ConsumedCountsTheWholeText) {
-    std::istringstream in("a = 1; a + 2  ");
-    CalcParser p(in, static_cast<zun::CalcBinder*>(nullptr));
-    EXPECT_EQ(p.consumed, 14);
-    EXPECT_EQ(p.valNum(), 3);
+    std::istringstream whole("a = 1; a + 2  ");
+    EXPECT_EQ(CalcParser(whole, static_cast<zun::CalcBinder*>(nullptr)).consumed, 14);
 }
 
 TEST(CalcParserNode, AParserIsANode) {

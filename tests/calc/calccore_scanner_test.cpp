@@ -104,12 +104,6 @@ TEST(CalcScannerSplit, CommasInsideCallsStringsAndBracketsDontSplit) {
     EXPECT_EQ(split("a,"), (std::vector<std::string>{"a", ""}));
 }
 
-TEST(CalcScannerFlush, TheRestOfTheStream) {
-    CalcScanner s("abc");
-    EXPECT_EQ(text(s.flush()), "abc");
-    EXPECT_TRUE(s.flush().isNull());
-}
-
 TEST(CalcScannerKind, WhatTheWholeInputWas) {
     EXPECT_EQ(kindOf("12"), CalcScanner::KindInteger);
     EXPECT_EQ(kindOf("-12"), CalcScanner::KindInteger);

@@ -59,26 +59,10 @@ inline std::vector<Token> tokens(const std::string& source, zun::CalcLex* lexer 
 }
 
 inline const char* kindName(int kind) {
-    namespace T = zun::CalcToken;
-    switch (kind) {
-    case T::SQ_STRING: return "SQ";
-    case T::DQ_STRING: return "DQ";
-    case T::INTEGER: return "INTEGER";
-    case T::FLOAT: return "FLOAT";
-    case T::NAME: return "NAME";
-    case T::BRACED: return "BRACED";
-    case T::INVALID: return "INVALID";
-    case T::EQ: return "EQ";
-    case T::NE: return "NE";
-    case T::GE: return "GE";
-    case T::LE: return "LE";
-    case T::AND: return "AND";
-    case T::OR: return "OR";
-    case T::SHR: return "SHR";
-    case T::SHL: return "SHL";
-    case T::OPER: return "OPER";
-    default: return nullptr;
-    }
+    static const char* const names[] = {"SQ", "DQ", "INTEGER", "FLOAT", "NAME", "BRACED", "INVALID", "EQ",
+                                        "NE", "GE", "LE", "AND", "OR", "SHR", "SHL", "OPER"};
+    return kind >= zun::CalcToken::SQ_STRING && kind <= zun::CalcToken::OPER ? names[kind - zun::CalcToken::SQ_STRING]
+                                                                             : nullptr;
 }
 
 inline std::string lexed(const std::string& source) {
