@@ -38,11 +38,11 @@ void InputBStream::initFile(unsigned long bufBytes, bool multi) {
     source = nullptr;
     delete[] buffer;
     buffer = nullptr;
-    if (!streamName.text) {
-        source = new InputBasicFile(nullptr, byteOrder);
-        streamName = "(stdin)";
-    } else if (!multi && FileUtils::checkFile(streamName.text)) {
-        source = new InputBasicFile(streamName.text, byteOrder);
+    if (!streamName.text || (!multi && FileUtils::checkFile(streamName.text))) {
+        auto* file = new InputBasicFile(streamName.text, byteOrder);
+        file->unbuffered();
+        source = file;
+        if (!streamName.text) streamName = "(stdin)";
     } else {
         source = new InputMultiFile(streamName.text, byteOrder, "basic", nullptr);
     }

@@ -26,6 +26,10 @@ public:
     int peek() override;
     long size() override;
     unsigned long bufread(char* buf, unsigned long n, unsigned long done = 0) override;
+    // Drops the C stream's own buffer, for a reader that buffers itself: each
+    // read then goes straight to the system with the reader's size. Must come
+    // before the first read.
+    void unbuffered() { std::setvbuf(file, nullptr, _IONBF, 0); }
 
 protected:
     void open();

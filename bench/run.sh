@@ -1,0 +1,78 @@
+#!/bin/sh
+# Benchmarks of skelvor: one field at the end of a 20 GB sparse file, peak
+# memory against the file's size, printing throughput of a wide record, and
+# the expression language's evaluation and compilation costs.
+# Usage: bench/run.sh [build-folder]
+set -e
+build=${1:-build-bench}
+tool=$(cd "$build" && pwd)/skelvor
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+peak_kb() { /usr/bin/time -f "%M" "$@" 2>&1 >/dev/null | tail -n 1; }
+seconds() { /usr/bin/time -f "%e" "$@" 2>&1 >/dev/null | tail -n 1; }
+
+echo "== one field at the end of a sparse file"
+for size in 1M 20G; do
+    rm -f "$work/data.bin"
+    truncate -s "$size" "$work/data.bin"
+    bytes=$(stat -c %s "$work/data.bin")
+    printf 'tail|sparse file||BIG-ENDIAN\nlast|Double||||%s\n' $((bytes - 8)) > "$work/tail.dd"
+    start=$(date +%s%N)
+    "$tool" "$work/data.bin" -d="$work/tail" last > /dev/null
+    end=$(date +%s%N)
+    echo "file $size: $(( (end - start) / 1000 )) us, peak memory $(peak_kb "$tool" "$work/data.bin" -d="$work/tail" last) kB"
+    if command -v strace > /dev/null; then
+        # bytes that read() returned on the descriptor of the data file
+        read_bytes=$(strace -e trace=openat,read -e signal=none "$tool" "$work/data.bin" -d="$work/tail" last 2>&1 >/dev/null \
+            | awk -v name="\"$work/data.bin\"" '
+                /^openat\(/ && index($0, name) { fd = $NF }
+                /^read\(/ { split($1, a, "("); sub(",", "", a[2]); if (a[2] == fd) total += $NF }
+                END { print total + 0 }')
+        echo "file $size: bytes read from the data file: $read_bytes"
+    fi
+done
+
+echo "== printing a record of 10000 numeric fields"
+python3 - "$work" <<'PY'
+import random, struct, sys
+work = sys.argv[1]
+random.seed(7)
+kinds = [("SLong", "i", 4), ("Double", "d", 8), ("UShort", "H", 2), ("Float", "f", 4)]
+lines = ["wide|10000 numeric fields||LITTLE-ENDIAN"]
+data = b""
+for i in range(10000):
+    word, fmt, size = kinds[i % 4]
+    lines.append("f%d|%s||%s|" % (i, word, size if word == "SLong" else ""))
+    value = random.uniform(-1e6, 1e6) if fmt in "df" else random.randint(0, 60000)
+    data += struct.pack("<" + fmt, value)
+open(work + "/wide.dd", "w").write("\n".join(lines) + "\n")
+open(work + "/wide.bin", "wb").write(data)
+PY
+# best of 7 runs, in microseconds
+best_us() {
+    best=""
+    for run in 1 2 3 4 5 6 7; do
+        start=$(date +%s%N)
+        "$@" > /dev/null
+        end=$(date +%s%N)
+        t=$(( (end - start) / 1000 ))
+        if [ -z "$best" ] || [ "$t" -lt "$best" ]; then best=$t; fi
+    done
+    echo "$best"
+}
+one=$(best_us "$tool" "$work/wide.bin" -d="$work/wide" f0)
+echo "start-up, dictionary of 10000 lines and one field: $one us"
+for opts in "" "-x"; do
+    all=$(best_us "$tool" "$work/wide.bin" -d="$work/wide" $opts)
+    echo "10000 lines ${opts:-plain}: whole run $all us, $(( 10000 * 1000000 / all )) lines/s;" \
+         "printing alone $(( all - one )) us, $(( 10000 * 1000000 / (all - one) )) lines/s"
+done
+"$tool" "$work/wide.bin" -d="$work/wide" > "$work/out.txt"
+echo "peak memory: $(peak_kb "$tool" "$work/wide.bin" -d="$work/wide") kB"
+
+for program in "$build"/bench/*; do
+    [ -f "$program" ] && [ -x "$program" ] || continue
+    echo "== $(basename "$program")"
+    "$program" --benchmark_min_time=0.2
+done
