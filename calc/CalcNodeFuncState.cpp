@@ -302,15 +302,21 @@ CalcParser* CalcNodeExec::compile() {
     return parser;
 }
 
+CalcParser* CalcNodeExec::fresh() {
+    CalcParser* compiled = compile();
+    compiled->reset();
+    return compiled;
+}
+
 int CalcNodeExec::valType() { return compile()->valType(); }
 int CalcNodeExec::constLevel() { return parser ? parser->constLevel() : 0; }
-double CalcNodeExec::valNum() { return compile()->valNum(); }
-String CalcNodeExec::valStr() { return compile()->valStr(); }
-long long CalcNodeExec::valInt() { return compile()->valInt(); }
-RawBuffer& CalcNodeExec::valRaw(RawBuffer& buffer) { return compile()->valRaw(buffer); }
-String CalcNodeExec::valPrint() { return compile()->valPrint(); }
-String CalcNodeExec::valInit() { return compile()->valInit(); }
-CalcNode::Value& CalcNodeExec::val(Value& value) { return compile()->val(value); }
+double CalcNodeExec::valNum() { return fresh()->valNum(); }
+String CalcNodeExec::valStr() { return fresh()->valStr(); }
+long long CalcNodeExec::valInt() { return fresh()->valInt(); }
+RawBuffer& CalcNodeExec::valRaw(RawBuffer& buffer) { return fresh()->valRaw(buffer); }
+String CalcNodeExec::valPrint() { return fresh()->valPrint(); }
+String CalcNodeExec::valInit() { return fresh()->valInit(); }
+CalcNode::Value& CalcNodeExec::val(Value& value) { return fresh()->val(value); }
 
 void CalcNodeExec::reset() {
     if (parser) parser->reset();

@@ -158,7 +158,9 @@ private:
 // exec(text): compiles the text of argument 0, taken when the node is built,
 // at the first read, and answers its value. The binder given by reference is
 // borrowed, one given by pointer is owned; without a binder the second
-// argument is refused.
+// argument is refused. Each read evaluates the compiled text afresh: its
+// variables are reset first, since no reset of the enclosing statement
+// reaches them through the operators and functions above this node.
 class CalcNodeExec : public CalcNodeFunc {
 public:
     CalcParser* parser = nullptr;  // owned; null until the first read
@@ -173,6 +175,8 @@ public:
     // The compiled text; compiles it if that hasn't been done. A compile
     // error passes out, and the next read tries again.
     CalcParser* compile();
+    // The compiled text with its variables reset, ready to be read.
+    CalcParser* fresh();
 
     int valType() override;
     // Variable until compiled, so the statement is never folded before its
