@@ -1,6 +1,8 @@
 #include "struct/StructElem.h"
 
 #include <cstring>
+#include <limits>
+#include <new>
 #include <vector>
 
 #include "base/Exception.h"
@@ -244,8 +246,10 @@ StructBase* StructElem::getBase() const {
 zun::InputStream* StructElem::initRead() {
     zun::InputStream* in = getBase()->input;
     long pos = getPos();
-    in->seek(pos, std::ios::beg);
-    if (in->peek() < 0) {
+    // A position before the start of the input (an offset that moved back
+    // too far) has no byte to read: the stream would ignore the seek.
+    if (pos >= 0) in->seek(pos, std::ios::beg);
+    if (pos < 0 || in->peek() < 0) {
         String path = getPathName();
         String name(in->name());
         path.quote('"');
@@ -288,10 +292,27 @@ void StructElem::readFailed(zun::InputStream& in) {
     throw zun::StdError(text.str(), 5);
 }
 
+void StructElem::checkExtent(long n) {
+    // Small fields are read straight away; the probe is for sizes that a
+    // wrong size statement can make absurd.
+    const long probeFrom = 1L << 20;
+    if (n < probeFrom) return;
+    zun::InputStream* in = getBase()->input;
+    long pos = getPos();
+    if (pos < 0) return;  // initRead reports it
+    if (n > std::numeric_limits<long>::max() - pos) readFailed(*in);
+    // A pipe can't come back from the probe; its reading fails on its own.
+    if (in->isFifo()) return;
+    in->seek(pos + n - 1, std::ios::beg);
+    if (in->peek() < 0) readFailed(*in);
+}
+
 char* StructElem::readData() {
     long n = getSize();
     if (n < 0) n = 0;
-    char* data = new char[n + 1];
+    checkExtent(n);
+    char* data = new (std::nothrow) char[n + 1];
+    if (!data) readFailed(*getBase()->input);
     try {
         if (n > 0) readCPtr(data, n);
     } catch (...) {
@@ -315,7 +336,12 @@ zun::RawBuffer& StructElem::readBuf(zun::RawBuffer& buffer, int append) {
     long n = getSize();
     if (!append) buffer.flush(true);
     if (n <= 0) return buffer;
-    buffer.allocate(n);
+    checkExtent(n);
+    try {
+        buffer.allocate(n);
+    } catch (std::bad_alloc&) {
+        readFailed(*getBase()->input);
+    }
     char* tail = buffer.data + buffer.count;
     std::memset(tail, 0, n);
     buffer.count += n;
