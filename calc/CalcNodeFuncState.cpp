@@ -680,12 +680,13 @@ struct SortKey {
     bool isStr = false;
 };
 
-// Numbers before texts; NaN after every other number and equal to itself;
-// texts by their bytes, a null text as the empty one.
+// Numbers before texts. Texts by String::cmp, which puts a null text above
+// any other; NaN likewise above every other number and equal to itself. So
+// the missing values of a key come last, and first where the key is reversed.
 int compareKeys(const SortKey& a, const SortKey& b) {
     if (a.isStr != b.isStr) return a.isStr ? 1 : -1;
     if (a.isStr) {
-        int c = std::strcmp(a.str.str(), b.str.str());
+        int c = a.str.cmp(b.str);
         return c < 0 ? -1 : c > 0 ? 1 : 0;
     }
     bool nanA = std::isnan(a.num), nanB = std::isnan(b.num);

@@ -356,7 +356,8 @@ extern template class CalcNodeFuncLastOf<RawBuffer>;
 // read; ties go to the lower element number. Modifiers: @select(c) leaves out
 // the elements where c is 0 (their places at the end read -1), @reverse(f...)
 // sets the direction of each key, @reverse flips all keys but the last,
-// @reverseN flips key N (from 1; 0 is the last key).
+// @reverseN reverses key N (from 1; 0 is the last key). A key's missing values
+// (NaN, null text) sort above all others.
 class CalcNodeFuncSort : public CalcNodeFunc {
 public:
     CalcIterator* iterator = nullptr;  // owned
