@@ -796,12 +796,11 @@ String CalcNodeFuncIfDefStr::valStr() {
     return arg(1)->valStr();
 }
 
+// Defined: the bytes of y follow those of x.
 RawBuffer& CalcNodeFuncIfDefRaw::valRaw(RawBuffer& buffer) {
     long before = buffer.count;
     arg(0)->valRaw(buffer);
     if (buffer.count == before) return buffer;
-    // Defined: the answer is y alone.
-    buffer.del(buffer.count - before);
     return arg(1)->valRaw(buffer);
 }
 

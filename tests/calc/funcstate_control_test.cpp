@@ -184,8 +184,8 @@ TEST(FuncStateDefined, OnTextAndRawValues) {
     RawBuffer out;
     out.append(1, "p");
     h.valRaw(out);
-    ASSERT_EQ(out.count, 3);
-    EXPECT_EQ(std::string(out.data, 3), "pyy") << "what the buffer held stays, y follows";
+    ASSERT_EQ(out.count, 4);
+    EXPECT_EQ(std::string(out.data, 4), "pxyy") << "what the buffer held stays, x and then y follow";
 }
 
 TEST(FuncStateOption, OutsideSymbolOrTheDefault) {
