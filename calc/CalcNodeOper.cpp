@@ -184,7 +184,9 @@ CalcNode* makeOperatorNode(const char* op, CalcNode* left, CalcNode* right) {
         return nullptr;
     }
     auto is = [op](const char* spelling) { return std::strcmp(op, spelling) == 0; };
-    bool numLeft = left->valType() == ValNum;
+    // Only the comparisons ask the left operand for its type: asking may
+    // compile or evaluate something (exec, an element of a vector).
+    auto numLeftOf = [left]() { return left->valType() == ValNum; };
     if (is("+")) return new CalcNodeOperAdd(left, right);
     if (is("-")) return new CalcNodeOperSub(left, right);
     if (is("*")) return new CalcNodeOperMul(left, right);
@@ -195,28 +197,28 @@ CalcNode* makeOperatorNode(const char* op, CalcNode* left, CalcNode* right) {
     if (is("|")) return new CalcNodeOperBinOr(left, right);
     if (is("~")) return new CalcNodeOperMatch(left, right);
     if (is("==")) {
-        if (numLeft) return new CalcNodeOperEQNum(left, right);
+        if (numLeftOf()) return new CalcNodeOperEQNum(left, right);
         return new CalcNodeOperEQStr(left, right);
     }
     if (is("!=")) {
-        if (numLeft) return new CalcNodeOperNENum(left, right);
+        if (numLeftOf()) return new CalcNodeOperNENum(left, right);
         return new CalcNodeOperNEStr(left, right);
     }
     if (is("<")) {
-        if (numLeft) return new CalcNodeOperLTNum(left, right);
+        if (numLeftOf()) return new CalcNodeOperLTNum(left, right);
         return new CalcNodeOperLTStr(left, right);
     }
     if (is("<=")) {
-        if (numLeft) return new CalcNodeOperLENum(left, right);
+        if (numLeftOf()) return new CalcNodeOperLENum(left, right);
         return new CalcNodeOperLEStr(left, right);
     }
     // a > b is b < a, a >= b is b <= a; the written left operand still chooses.
     if (is(">")) {
-        if (numLeft) return new CalcNodeOperLTNum(right, left);
+        if (numLeftOf()) return new CalcNodeOperLTNum(right, left);
         return new CalcNodeOperLTStr(right, left);
     }
     if (is(">=")) {
-        if (numLeft) return new CalcNodeOperLENum(right, left);
+        if (numLeftOf()) return new CalcNodeOperLENum(right, left);
         return new CalcNodeOperLEStr(right, left);
     }
     if (is("&&")) return new CalcNodeOperLogicAnd(left, right);
