@@ -201,6 +201,12 @@ public:
     void checkRead(zun::InputStream& in, unsigned long got, unsigned long wanted);
     // The element's bytes in a new array of getSize()+1 chars, zero-terminated.
     char* readData();
+    // Before room is made for n bytes of the element: fails with the read
+    // error when a seekable input ends before them, so that a size gone wrong
+    // ends in that error instead of a huge allocation.
+    void checkExtent(long n);
+    // The error of a read that failed or ran past the end of the input.
+    [[noreturn]] void readFailed(zun::InputStream& in);
 
     // A reference written in a definition (self true) or from this element
     // (self false); `up` gets the number of array levels climbed, -1 from the
@@ -222,8 +228,6 @@ protected:
     [[noreturn]] void readInvalid(const char* requested);
     // The path name for messages: "root" for the empty path.
     zun::String messagePath() const;
-    // The error of a read that failed or ran past the end of the input.
-    [[noreturn]] void readFailed(zun::InputStream& in);
 
 private:
     void warmOffsets();

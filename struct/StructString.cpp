@@ -1,5 +1,11 @@
 #include "struct/StructString.h"
 
+#include <limits>
+#include <new>
+
+#include "struct/Error.h"
+#include "struct/StructBase.h"
+
 using zun::String;
 
 namespace vexa {
@@ -8,8 +14,17 @@ String& readStringBytes(StructElem& e, String& target, int append) {
     if (!append) target = "";
     long n = e.getSize();
     if (n <= 0) return target;
-    char* place = target.append(nullptr, static_cast<int>(n));
-    if (place) e.readCPtr(place, n);
+    e.checkExtent(n);
+    // A text holds at most INT_MAX bytes.
+    if (n > std::numeric_limits<int>::max() - 1 - target.length)
+        throw ErrorReadInvalid(e.getPathName().str(), e.getTypeStr(0).str(), "String");
+    char* place;
+    try {
+        place = target.append(nullptr, static_cast<int>(n));
+    } catch (std::bad_alloc&) {
+        e.readFailed(*e.getBase()->input);
+    }
+    e.readCPtr(place, n);
     return target;
 }
 
