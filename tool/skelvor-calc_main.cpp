@@ -16,9 +16,11 @@ namespace {
 using zun::String;
 
 // The rows of -n: what "iter" counts, as the index of an innermost array.
+// It is the only iterator of the program: without -n, or for any level but
+// the innermost, asking for one is an error of the statement.
 class Rows : public zun::CalcBinder {
 public:
-    long total;
+    long total;  // -1 without -n
     long index = 0;
 
     explicit Rows(long total) : total(total) {}
@@ -36,7 +38,10 @@ private:
     Rows& rows;
 };
 
-zun::CalcIterator* Rows::bindIterator(int level) { return level == 0 ? new RowIterator(*this) : nullptr; }
+zun::CalcIterator* Rows::bindIterator(int level) {
+    if (total < 0 || level != 0) throw zun::CalcErrorIterator("no bindIterator function");
+    return new RowIterator(*this);
+}
 
 const char* const usageLines[] = {
     "Usage: skelvor-calc [-n <count>] [-D <name>=<value>] ... [-D<definitions-file>] ... <statement>",
@@ -123,7 +128,7 @@ int calcMain(int argc, char** argv) {
 
     Rows iteration(rows);
     zun::CalcParser parser(parameters);
-    if (rows >= 0) parser.binders << static_cast<zun::CalcBinder&>(iteration);
+    parser.binders << static_cast<zun::CalcBinder&>(iteration);
     parser.init(statement, false);
 
     zun::CalcNode* result = parser.getVar(nullptr);

@@ -98,7 +98,7 @@ TEST(CalcProgramErrors, StatementErrors) {
 }
 
 TEST(CalcProgramErrors, IteratorsNeedRows) {
-    const std::string noIterator = "ERROR-CALC001 parse error : no bindIterator function\n";
+    const std::string noIterator = "ERROR-CALC012 error creating iterator : no bindIterator function\n";
     expectError(e2e::calc({"iter"}), noIterator);
     expectError(e2e::calc({"recurse(self + 1)"}), noIterator);
     expectError(e2e::calc({"-n", "2", "iter1"}), noIterator);
