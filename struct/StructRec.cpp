@@ -286,6 +286,12 @@ VEXA_SOLE_READ(readDouble, double, "Double")
 void StructRec::init() {
     if (fields.count > 0) return;
     if (initialising) throw ErrorReferenceRecursion(getPathName().str());
+    // Structure levels are 8-bit: a record can't hold fields below level 255.
+    // A dictionary that contains itself reaches this however its data reads.
+    int depth = 0;
+    for (const StructElem* p = parent; p; p = p->parent) ++depth;
+    const int maxLevel = 255;
+    if (depth >= maxLevel) throw ErrorReferenceRecursion(getPathName().str(), "structure nested too deep");
     initialising = true;
     try {
         Dictionary dictionary(dictionaryPath.str());
