@@ -496,9 +496,12 @@ CalcNodeFunc::CalcNodeFunc(const char* name, ObjAppendListP<CalcNode>* args, int
 
 CalcNodeFunc::~CalcNodeFunc() { delete args; }
 
+// Levels are never below 0: once an operand answers 0, the others needn't
+// be asked. That keeps the reduction of a long statement, which asks every
+// node down a chain of operators, from growing with the square of its length.
 int CalcNodeFunc::constLevel() {
     int level = -1;
-    for (long i = 0; i < numArgs(); ++i)
+    for (long i = 0; i < numArgs() && level != 0; ++i)
         if (CalcNode* a = arg(i)) level = minLevel(level, a->constLevel());
     return level;
 }
@@ -600,7 +603,7 @@ CalcNodeMethod::~CalcNodeMethod() {
 
 int CalcNodeMethod::constLevel() {
     int level = CalcNodeFunc::constLevel();
-    return object ? minLevel(level, object->constLevel()) : level;
+    return object && level != 0 ? minLevel(level, object->constLevel()) : level;
 }
 
 bool CalcNodeMethod::activates() { return CalcNodeFunc::activates() || (object && object->activates()); }
@@ -641,9 +644,12 @@ CalcNodeOper::~CalcNodeOper() {
     delete right;
 }
 
+// The right operand first: in operators written one after the other the
+// left operand holds the rest of the chain, the right one a single term.
 int CalcNodeOper::constLevel() {
-    int l = left ? left->constLevel() : -1;
     int r = right ? right->constLevel() : -1;
+    if (r == 0) return 0;
+    int l = left ? left->constLevel() : -1;
     return minLevel(l, r);
 }
 
