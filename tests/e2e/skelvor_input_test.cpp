@@ -3,7 +3,14 @@
 // paths, parameters of the file name and of -D, and data that ends early.
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
 #include <string>
+#include <thread>
 
 #include "skelvor_testing.h"
 
@@ -76,6 +83,47 @@ TEST_F(Input, APipeCanJumpBackOnlyAsFarAsItsBuffer) {
 TEST_F(Input, ABufferGivenAsNegativeIsTakenAsPositive) {
     write("back.dd", "back|||\na|UChar||||5000\nb|UChar||||0\n");
     expectOut(runWithInput({"-", "-d=back", "-bs=-7"}, counting(8000)), "00005000> a = 231\n00000000> b = 0\n");
+}
+
+// Writes data into the FIFO at path once a reader has it open. Without a
+// reader it gives up after some seconds, so that a failing test can't hang.
+std::thread feedFifo(const std::string& path, const std::string& data) {
+    return std::thread([path, data] {
+        int fd = -1;
+        for (int tries = 0; tries < 1000 && fd < 0; ++tries) {
+            fd = open(path.c_str(), O_WRONLY | O_NONBLOCK);
+            if (fd < 0) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        if (fd < 0) return;
+        fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) & ~O_NONBLOCK);
+        size_t done = 0;
+        while (done < data.size()) {
+            ssize_t n = ::write(fd, data.data() + done, data.size() - done);
+            if (n <= 0) break;  // the reader is gone
+            done += static_cast<size_t>(n);
+        }
+        close(fd);
+    });
+}
+
+TEST_F(Input, ANamedPipe) {
+    signal(SIGPIPE, SIG_IGN);
+    write("back.dd", "back|||\na|UChar||||5000\nb|UChar||||0\n");
+    write("p.dd", "p|||\na|String||strlen(#filename)\nb|String||#fifo + 1\nc|String||strlen(#dirname)\n");
+    const std::string fifo = dir.path("pipe");
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+
+    std::thread writer = feedFifo(fifo, "ABCDEFGHIJ");
+    e2e::Result r = run({"pipe", "-d=p"});
+    writer.join();
+    expectOut(r, "00000000> a = \"ABCD\"\n00000004> b = \"EF\"\n00000006> c = \"\"\n");
+
+    writer = feedFifo(fifo, counting(8000));
+    r = run({"pipe", "-d=back", "-bs=1"});
+    writer.join();
+    expectRun(r, 1, "00005000> a = 231\n00000000> b = ",
+              "ERROR-STD029 Illegal seek : seek backwards not allowed on FIFO stream \"pipe\", try increasing the "
+              "read buffer to minimum 6 KBytes\n");
 }
 
 class FileSets : public Input {
