@@ -836,10 +836,17 @@ public:
 };
 
 // The value type of the argument that decides a class, or ValNum when the
-// count is wrong (the constructor then reports it).
+// count is wrong (the constructor then reports it). Asking may compile an
+// exec, which may fail: the arguments go with the failure, as they would
+// with a failing constructor.
 int typeOfArg(ObjAppendListP<CalcNode>* args, long i, int min, int max) {
     if (CalcNodeFunc::checkArguments(nullptr, args, min, max) != 0) return ValNum;
-    return args->data[i]->valType();
+    try {
+        return args->data[i]->valType();
+    } catch (...) {
+        delete args;
+        throw;
+    }
 }
 
 }  // namespace

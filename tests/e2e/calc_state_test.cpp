@@ -123,5 +123,8 @@ TEST(CalcControl, ExecCompilesAtTheFirstRead) {
     expectRows(3, "lastof(exec('b = iter * 2; b'))", "0\n0\n2\n");
     expectRows(3, "exec(iter)", "0\n0\n0\n");  // the text is taken once, when the statement compiles
     expectError("exec('1+')", "ERROR-CALC001 parse error : in statement ( >>> 1+ <<< )");
+    // Where the type of the exec chooses the class, it compiles while the statement does.
+    expectErr({"-n", "2", "lastof(exec('x'))"}, "ERROR-CALC010 invalid symbol : \"x\"\n");
+    expectError("ifdef(1, exec('x'))", "ERROR-CALC010 invalid symbol : \"x\"");
     expectError("exec('1', 2, 3)", "ERROR-CALC007 too many function arguments : Function \"exec\" takes at most 2 argument(s)");
 }
