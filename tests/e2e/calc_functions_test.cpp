@@ -63,6 +63,7 @@ TEST(CalcFunctions, TrigonometryAndGeodesy) {
     expectValue("arclen(0,0,0.1,0.1) HaverSine", "0.141303298696124");
     expectValue("arcbearing(0,0,1,0) << ' ' << arcbearing(0,0,0,1)", "\"1.5707963267949 0\"");
     expectError("arcdest(0,0,1,1)", "ERROR-CALC008 function unknown : \"arcdest\"");
+    expectError("arcmidpoint(0,0,1,1)", "ERROR-CALC008 function unknown : \"arcmidpoint\"");
     expectError("arclen(0,0,0,0) iso", "ERROR-CALC003 operator expected : in statement (arclen(0,0,0,0) >>>   <<< iso)");
 }
 
