@@ -217,6 +217,9 @@ TEST_F(Dictionaries, ParametersOnDictionaryNames) {
     expectOut(run({"data.bin", "-d=t"}), "00> a.x = 65\n01> b = \"BC\"\n");
     write("u.dd", "u|||\nb|String||#len\n");
     expectOut(run({"data.bin", "-d=u&len=3"}), "00> b = \"ABC\"\n");
+    // the parameters of the file name join those of the dictionary name
+    write("v.dd", "v|||\na|String||#a\nb|String||#b\n");
+    expectOut(run({"data.bin&a=1", "-d=v&b=2"}), "00> a = \"A\"\n01> b = \"BC\"\n");
 }
 
 TEST_F(Dictionaries, AutoDescriptiveChain) {
@@ -251,6 +254,8 @@ TEST_F(Dictionaries, UserDictionaryIsAppended) {
               "  |_ z ; UChar ; \n");
     expectRun(run({"data.bin", "-d=main", "-u=user/none"}), 1, "",
               "ERROR-STD002 No such file or directory : \"user/none\"\n");
+    expectRun(run({"data.bin", "-d=main", "-u"}), 1, "",
+              "ERROR-STD002 No such file or directory : invalid blank filename\n");
 }
 
 TEST_F(Dictionaries, UserDictionaryWithTheSameNames) {
