@@ -80,8 +80,6 @@ const char* const usageLines[] = {
     "",
 };
 
-String quoted(const char* text) { return String(text).quote('"'); }
-
 // Throws the MainError for an -first, -last or -step option given without -base.
 void refuseRangeOption(zun::Args& args, const char* name) {
     if (args.option(name, '=')) throw MainError(2, (String("option ") + name + " invalid without -base option").str());
@@ -209,7 +207,6 @@ int skelvorMain(int argc, char** argv) {
             step = s.toLong();
             if (step == 0) step = 1;
         }
-        String list;
         args.seekUnusedOption(false);
         while (const char* f = args.unusedOption()) fields << String(f);
         if (structOnly) read_base_struct(*element, fields, explode);
