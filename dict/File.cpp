@@ -46,18 +46,11 @@ File::File(const char* dictionary, const char* dataFile, long bufferKBytes, Byte
     std::snprintf(option, sizeof option, "%ld", bufferKBytes);
     // "data.bin::basic" or "data.bin::buffer:64" names its own driver and
     // option, which then take the place of the buffer of the given size.
-    String path(dataFile);
-    int at = path.find("::", 1);
-    if (at >= 1 && !zun::FileUtils::checkFile(dataFile)) {
-        String spec = path.substr(at + 2);
-        path = String(path.text, at);
-        int colon = spec.find(':');
-        String driver = colon >= 0 ? String(spec.text, colon) : spec;
-        String driverOption = colon >= 0 ? spec.substr(colon + 1) : String(nullptr);
-        if (!driver.isEmpty()) {
-            build(dictionary, resolveDataFile(path.str(), order, driver.str(), driverOption.text), order);
-            return;
-        }
+    String path(dataFile), driver, driverOption;
+    if (dataFile && !zun::FileUtils::checkFile(dataFile) &&
+        zun::InputServer::splitDriverPath(path, driver, driverOption) && !driver.isEmpty()) {
+        build(dictionary, resolveDataFile(path.str(), order, driver.str(), driverOption.text), order);
+        return;
     }
     build(dictionary, resolveDataFile(dataFile, order, "buffer", option), order);
 }

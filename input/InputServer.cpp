@@ -41,6 +41,17 @@ void InputServer::setDriverOption(const char* option, const char* driver) {
     if (i >= 0 && options[i].text) options[i] = option;
 }
 
+bool InputServer::splitDriverPath(String& path, String& driver, String& option) {
+    int at = path.find("::", 1);
+    if (at < 1) return false;
+    String named = path.substr(at + 2);
+    path = String(path.text, at);
+    int colon = named.find(':');
+    driver = colon >= 0 ? String(named.text, colon) : named;
+    option = colon >= 0 ? named.substr(colon + 1) : String(nullptr);
+    return true;
+}
+
 InputStream* InputServer::getFile(const char* pathText, InputStream::ByteOrder order, const char* driverText,
                                   const char* optionText) const {
     String path(pathText);
@@ -49,20 +60,7 @@ InputStream* InputServer::getFile(const char* pathText, InputStream::ByteOrder o
     bool driverGiven = driver.text && driver.length > 0;
     if (!driverGiven && path.text) {
         // "file::driver:option" names the driver inside the path
-        int at = path.find("::", 1);
-        if (at >= 1) {
-            String spec = path.substr(at + 2);
-            path = String(path.text, at);
-            int colon = spec.find(':');
-            if (colon >= 0) {
-                driver = String(spec.text, colon);
-                option = spec.substr(colon + 1);
-            } else {
-                driver = spec;
-                option.setNull();
-            }
-            driverGiven = driver.length > 0;
-        }
+        if (splitDriverPath(path, driver, option)) driverGiven = driver.length > 0;
     }
     if (option.text && option.length == 0) option.setNull();
     if (!driverGiven) {

@@ -18,6 +18,10 @@ public:
     String defaultDriver;
 
     static InputServer& getInstance();
+    // "file::driver[:option]": cuts path before "::" (found at index 1 or
+    // later) and gives the driver and option named behind it, the option null
+    // when absent. False, with nothing changed, for a path without "::".
+    static bool splitDriverPath(String& path, String& driver, String& option);
 
     // The stream of path by a driver. A path "file::driver:option" names the
     // driver when none is given. The result is owned by the caller; null when
