@@ -1,140 +1,118 @@
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "base/ObjAppendList.h"
 #include "base/RawBuffer.h"
 #include "base/String.h"
 
 using zun::ObjAppendList;
 using zun::ObjAppendListP;
-using zun::RawBuffer;
 using zun::String;
 
-TEST(List, GrowthByIncrement) {
+namespace {
+
+// "a,b,c" of the elements in use.
+template <class T>
+std::string items(const ObjAppendList<T>& l) {
+    std::string out;
+    for (long i = 0; i < l.count; ++i) out += (i ? "," : "") + std::to_string(l[i]);
+    return out;
+}
+
+ObjAppendList<int> upTo(int n) {
+    ObjAppendList<int> l;
+    for (int i = 0; i < n; ++i) l << i;
+    return l;
+}
+
+struct Counted {
+    static int alive;
+    int v;
+    explicit Counted(int x) : v(x) { ++alive; }
+    ~Counted() { --alive; }
+};
+int Counted::alive = 0;
+
+}  // namespace
+
+TEST(List, GrowthConstructionAndAppending) {
     ObjAppendList<long> l;
-    EXPECT_EQ(l.increment, 1);
-    l << 1;
-    EXPECT_EQ(l.count, 1);
+    l << 0;  // a literal zero is a value, not a pointer
     EXPECT_EQ(l.free, 0);
     l.setTruncSize(300);
     l << 2;
     EXPECT_EQ(l.free, 299);
+    for (long i = 2; i < 300; ++i) EXPECT_EQ(l.data[i], 0) << "free slots are zeroed";
     l.allocate(1000);
     EXPECT_EQ(l.free, 1000);  // n - free exceeds the increment
-    l.setTruncSize(-4);
-    EXPECT_EQ(l.increment, 1);
-}
-
-TEST(List, FreeSlotsAreZeroed) {
-    ObjAppendList<int> l;
-    l.setTruncSize(8);
-    l << 7;
-    for (long i = 1; i < 8; ++i) EXPECT_EQ(l.data[i], 0);
-}
-
-TEST(List, ConstructFromArray) {
+    const long more[2] = {4, 5};
+    l.append(2, more);
+    EXPECT_EQ(items(l), "0,2,4,5");
     const double init[3] = {1.5, 2.5, 3.5};
-    ObjAppendList<double> l(3, init);
-    ASSERT_EQ(l.count, 3);
-    EXPECT_EQ(l[2], 3.5);
+    EXPECT_EQ(ObjAppendList<double>(3, init)[2], 3.5);
     ObjAppendList<double> room(5, nullptr);
     EXPECT_EQ(room.count, 0);
     EXPECT_EQ(room.free, 5);
-}
-
-TEST(List, AppendZeroAndPointerForms) {
-    ObjAppendList<long> l;
-    l << 0;  // a literal zero is a value, not a pointer
-    EXPECT_EQ(l.count, 1);
-    const long more[2] = {4, 5};
-    l.append(2, more);
-    EXPECT_EQ(l.last(), 5);
     ObjAppendList<char> bytes;
     bytes << "abc";
-    EXPECT_EQ(bytes.count, 3);
-    EXPECT_EQ(bytes[1], 'b');
+    EXPECT_EQ(std::string(bytes.data, bytes.count), "abc");
 }
 
-TEST(List, PopOne) {
-    ObjAppendList<int> l;
-    l << 1 << 2;
-    int v = 0;
+TEST(List, PopDelFlushEnd) {
+    ObjAppendList<int> l = upTo(5);
+    int v = 0, target[3] = {0, 0, 0};
     l >> v;
-    EXPECT_EQ(v, 2);
-    l >> v >> v;
-    EXPECT_EQ(v, 1);  // the second pop found the list empty
-    EXPECT_EQ(l.count, 0);
-}
-
-TEST(List, PopIncrementIntoArray) {
-    ObjAppendList<int> l;
-    for (int i = 0; i < 5; ++i) l << i;
+    EXPECT_EQ(v, 4);
     l.setTruncSize(3);
-    int target[3] = {0, 0, 0};
-    long n = l >> target;
-    EXPECT_EQ(n, 3);
-    EXPECT_EQ(target[0], 2);
-    EXPECT_EQ(target[2], 4);
-    EXPECT_EQ(l.count, 2);
-    n = l >> target;
-    EXPECT_EQ(n, 2);
+    EXPECT_EQ(l >> target, 3);  // up to the increment, in their order
+    EXPECT_EQ(std::to_string(target[0]) + std::to_string(target[2]), "13");
+    EXPECT_EQ(l >> target, 1);
     EXPECT_EQ(target[0], 0);
-    EXPECT_EQ(l.count, 0);
+    l >> v;  // the list is empty: v stays
+    EXPECT_EQ(v, 4);
     EXPECT_EQ(l.count + l.free, 5);
-}
 
-TEST(List, DelFlushEnd) {
-    ObjAppendList<int> l;
-    for (int i = 0; i < 6; ++i) l << i;
-    l.del(2);
-    EXPECT_EQ(l.count, 4);
-    EXPECT_EQ(l.free, 2);
-    l.del(-1);
-    EXPECT_EQ(l.count, 0);
-    l << 9;
-    l.flush(false);
-    EXPECT_EQ(l.count, 0);
-    EXPECT_NE(l.data, nullptr);
-    l << 1 << 2;
-    l.end();
-    EXPECT_EQ(l.free, 0);
-    EXPECT_EQ(l[1], 2);
-    l.flush(true);
-    EXPECT_EQ(l.data, nullptr);
-    EXPECT_EQ(l.free, 0);
+    ObjAppendList<int> d = upTo(6);
+    d.del(2);
+    EXPECT_EQ(items(d), "0,1,2,3");
+    d.del(-1);
+    EXPECT_EQ(d.count, 0);
+    d << 9;
+    d.flush(false);
+    EXPECT_EQ(d.count, 0);
+    EXPECT_NE(d.data, nullptr);
+    d << 1 << 2;
+    d.end();
+    EXPECT_EQ(d.free, 0);
+    EXPECT_EQ(items(d), "1,2");
+    d.flush(true);
+    EXPECT_EQ(d.data, nullptr);
 }
 
 TEST(List, ReverseAndRotate) {
-    ObjAppendList<int> l;
-    for (int i = 0; i < 5; ++i) l << i;
+    ObjAppendList<int> l = upTo(5);
     l.reverse();
-    EXPECT_EQ(l[0], 4);
-    EXPECT_EQ(l[4], 0);
+    EXPECT_EQ(items(l), "4,3,2,1,0");
     l.reverse();
     l.rotate(2);
-    const int r2[5] = {3, 4, 0, 1, 2};
-    for (int i = 0; i < 5; ++i) EXPECT_EQ(l[i], r2[i]);
+    EXPECT_EQ(items(l), "3,4,0,1,2");
     l.rotate(-2);
-    for (int i = 0; i < 5; ++i) EXPECT_EQ(l[i], i);
-    l.rotate(12);  // same as 2
-    for (int i = 0; i < 5; ++i) EXPECT_EQ(l[i], r2[i]);
+    EXPECT_EQ(items(l), "0,1,2,3,4");
+    l.rotate(12);  // as 2
+    EXPECT_EQ(items(l), "3,4,0,1,2");
 }
 
 TEST(List, SendPushReceive) {
-    ObjAppendList<int> a, b;
-    for (int i = 0; i < 4; ++i) a << i;
+    ObjAppendList<int> a = upTo(4), b;
     EXPECT_EQ(a.send(b, 2), 2);
-    EXPECT_EQ(a.count, 4);
-    EXPECT_EQ(b[0], 2);
-    EXPECT_EQ(b[1], 3);
     EXPECT_EQ(a.send(b, 10), 4);  // past the count: all
-    EXPECT_EQ(b.count, 6);
+    EXPECT_EQ(items(a), "0,1,2,3");
+    EXPECT_EQ(items(b), "2,3,0,1,2,3");
     EXPECT_EQ(a.push(b, 1), 1);
-    EXPECT_EQ(a.count, 3);
-    EXPECT_EQ(b.last(), 3);
     EXPECT_EQ(a.receive(b, 2), 2);
-    EXPECT_EQ(b.count, 5);
-    EXPECT_EQ(a.count, 5);
-    EXPECT_EQ(a.last(), 3);
+    EXPECT_EQ(items(a), "0,1,2,3,3");
+    EXPECT_EQ(items(b), "2,3,0,1,2");
     EXPECT_EQ(a.pop(b, -1), 5);
     EXPECT_EQ(a.count, 0);
     EXPECT_EQ(b.count, 10);
@@ -147,33 +125,23 @@ TEST(List, StringsAreCopiedAcrossGrowth) {
         s << static_cast<long>(i);
         l << s;
     }
-    EXPECT_EQ(l[0], "s0");
-    EXPECT_EQ(l[19], "s19");
     ObjAppendList<String> copy(l);
     l.flush(true);
-    EXPECT_EQ(copy[7], "s7");
     copy.end();
     EXPECT_EQ(copy.free, 0);
+    EXPECT_EQ(copy[0], "s0");
     EXPECT_EQ(copy[19], "s19");
 }
 
-struct Counted {
-    static int alive;
-    int v;
-    explicit Counted(int x) : v(x) { ++alive; }
-    ~Counted() { --alive; }
-};
-int Counted::alive = 0;
-
-TEST(OwningList, DeletesWhatItHolds) {
+TEST(List, OwningListDeletesWhatItHolds) {
     {
-        ObjAppendListP<Counted> l;
+        ObjAppendListP<Counted> l, other;
         for (int i = 0; i < 5; ++i) l << new Counted(i);
-        EXPECT_EQ(Counted::alive, 5);
-        EXPECT_EQ(l[3].v, 3);
         l.del(2);
         EXPECT_EQ(Counted::alive, 3);
-        l.pop(1);
+        l.pop(other, 1);
+        EXPECT_EQ(other[0].v, 2);
+        other.pop(-1);  // deletes like del
         EXPECT_EQ(Counted::alive, 2);
         Counted* taken = l.take(0);
         EXPECT_EQ(taken->v, 0);
@@ -186,25 +154,8 @@ TEST(OwningList, DeletesWhatItHolds) {
     EXPECT_EQ(Counted::alive, 0);
 }
 
-TEST(OwningList, MovingBetweenListsKeepsOwnership) {
-    ObjAppendListP<Counted> a, b;
-    a << new Counted(1) << new Counted(2);
-    a.pop(b, 1);
-    EXPECT_EQ(a.count, 1);
-    EXPECT_EQ(b[0].v, 2);
-    b.del(-1);
-    EXPECT_EQ(Counted::alive, 1);
-    a.flush(true);
-    EXPECT_EQ(Counted::alive, 0);
-}
-
 TEST(RawBuffer, Hex) {
-    RawBuffer empty;
-    EXPECT_TRUE(empty.hex().isNull());
-    RawBuffer b("\x00\x1f\xab", 3);
-    String h = b.hex();
-    EXPECT_EQ(h, "00 1F AB");
-    EXPECT_EQ(h.length, 3 * 3 - 1);
-    RawBuffer one("\xff", 1);
-    EXPECT_EQ(one.hex(), "FF");
+    EXPECT_TRUE(zun::RawBuffer().hex().isNull());
+    EXPECT_EQ(zun::RawBuffer("\x00\x1f\xab", 3).hex(), "00 1F AB");
+    EXPECT_EQ(zun::RawBuffer("\xff", 1).hex(), "FF");
 }

@@ -2,400 +2,158 @@
 
 #include <cmath>
 #include <sstream>
+#include <utility>
 
 #include "base/String.h"
 
 using zun::String;
 
-TEST(StringConstruct, NullDiffersFromEmpty) {
-    String empty;
-    String null(nullptr);
-    EXPECT_FALSE(empty.isNull());
-    EXPECT_STREQ(empty.text, "");
-    EXPECT_TRUE(null.isNull());
-    EXPECT_EQ(null.length, 0);
-    EXPECT_STREQ(null.str(), "");
-    EXPECT_FALSE(String("", 0).isNull());
+namespace {
+
+const std::string null = "(null)";
+
+// The bytes of s, or "(null)" for the null string.
+std::string v(const String& s) { return s.isNull() ? null : std::string(s.text, s.length); }
+
+// Each row: a string made by the code under test, and what it should hold.
+void expectRows(std::initializer_list<std::pair<String, std::string>> rows) {
+    int i = 0;
+    for (const auto& r : rows) EXPECT_EQ(v(r.first), r.second) << "row " << i++;
 }
 
-TEST(StringConstruct, LengthAndRepeat) {
-    String s("abcdef", 3);
-    EXPECT_EQ(s.length, 3);
-    EXPECT_STREQ(s.text, "abc");
-    String zeros("a\0b", 3);
-    EXPECT_EQ(zeros.length, 3);
-    EXPECT_EQ(zeros.text[2], 'b');
-    EXPECT_STREQ(String(3, 'x').text, "xxx");
-    String neg(-2, 'x');
-    EXPECT_FALSE(neg.isNull());
-    EXPECT_EQ(neg.length, 0);
+void expectRows(std::initializer_list<std::pair<long long, long long>> rows) {
+    int i = 0;
+    for (const auto& r : rows) EXPECT_EQ(r.first, r.second) << "row " << i++;
 }
 
-TEST(StringConstruct, CopyKeepsNullness) {
-    String null(nullptr);
-    String copy(null);
-    EXPECT_TRUE(copy.isNull());
-    String s("x");
-    s = null;
-    EXPECT_TRUE(s.isNull());
-    s = "abc";
-    EXPECT_EQ(s, "abc");
-    s = static_cast<const char*>(nullptr);
-    EXPECT_TRUE(s.isNull());
+}  // namespace
+
+TEST(String, ConstructionKeepsNullApartFromEmpty) {
+    String s("x"), nul(nullptr), copyOfNull(nul), assigned("x"), fromText("x");
+    assigned = nul;
+    fromText = static_cast<const char*>(nullptr);
+    expectRows({{String(), ""}, {String(nullptr), null}, {String("", 0), ""}, {String("abcdef", 3), "abc"},
+                {String("a\0b", 3), std::string("a\0b", 3)}, {String(3, 'x'), "xxx"}, {String(-2, 'x'), ""},
+                {copyOfNull, null}, {assigned, null}, {fromText, null}, {s = "abc", "abc"}});
+    EXPECT_STREQ(String(nullptr).str(), "");
+    expectRows({{String("ab")[0], 'a'}, {String("ab")[5], 0}, {String("ab")[-1], 0}, {String(nullptr)[0], 0},
+                {String()[0], 0}});
 }
 
-TEST(StringConstruct, FromStreamByCount) {
+TEST(String, FromStream) {
     std::istringstream in("0123456789abcdefghijXYZ");
-    String first(in, 12);
-    EXPECT_EQ(first, "0123456789ab");
-    String rest(in, -1);
-    EXPECT_EQ(rest, "cdefghijXYZ");
-    std::istringstream in2("abc");
-    EXPECT_TRUE(String(in2, 0).isNull());
-    String more(in2, 10);  // fewer bytes than asked for
-    EXPECT_EQ(more, "abc");
+    String first(in, 12), rest(in, -1);
+    std::istringstream small("abc");
+    String none(small, 0), more(small, 10);  // fewer bytes than asked for
+    std::istringstream zeros(std::string("ab\0\0\0\0\0\0\0\0\0\0cd", 14));
+    std::istringstream lines("first line\n" + std::string(200, 'q') + "\nlast");
+    String line1(lines, '\n'), line2(lines, '\n'), line3(lines, '\n');
+    expectRows({{first, "0123456789ab"}, {rest, "cdefghijXYZ"}, {none, null}, {more, "abc"},
+                {String(zeros, -1), std::string("ab\0\0\0\0\0\0\0\0\0\0cd", 14)}, {line1, "first line"},
+                {line2, std::string(200, 'q')}, {line3, "last"}});
 }
 
-TEST(StringConstruct, FromStreamKeepsZeroBytes) {
-    std::string bytes("ab\0\0\0\0\0\0\0\0\0\0cd", 14);
-    std::istringstream in(bytes);
-    String s(in, -1);
-    EXPECT_EQ(s.length, 14);
-    EXPECT_EQ(s.text[13], 'd');
+TEST(String, FindCountAndMatch) {
+    String s("a.b.c"), t("abcabc");
+    expectRows({{s.find('.'), 1}, {s.find('.', 2), 3}, {s.find('.', 4), -1}, {s.find('x'), -1}, {s.find('.', -1), -1},
+                {s.find('.', s.length, true), 3},  // backward from the final zero
+                {s.find('.', 2, true), 1}, {s.find('a', 0, true), 0}, {String(nullptr).find('.'), -1},
+                {t.find("bc"), 1}, {t.find("bc", 2), 4}, {t.find("bc", -3), 1}, {t.find("zz"), -1},
+                {t.find("bc", 50), -1}, {String(nullptr).find("a"), -1},
+                {String("aaaa").count("aa"), 2}, {String("abc").count("x"), 0}, {String("abc").count(""), -1},
+                {String("abc").count(nullptr), -1},
+                {String("data.bin").match("*.bin"), true}, {String("data.bin").match("*.dd"), false},
+                {String("").match(nullptr), true}, {String(nullptr).match("*"), false},
+                {String(nullptr).match(nullptr), true}});
 }
 
-TEST(StringConstruct, FromStreamToDelimiter) {
-    std::string longLine(200, 'q');
-    std::istringstream in("first line\n" + longLine + "\nlast");
-    EXPECT_EQ(String(in, '\n'), "first line");
-    String second(in, '\n');
-    EXPECT_EQ(second.length, 200);
-    EXPECT_EQ(String(in, '\n'), "last");
-}
-
-TEST(StringAccess, IndexOperator) {
-    String s("ab");
-    EXPECT_EQ(s[0], 'a');
-    EXPECT_EQ(s[5], 0);
-    EXPECT_EQ(s[-1], 0);
-    EXPECT_EQ(String(nullptr)[0], 0);
-    EXPECT_EQ(String()[0], 0);
-}
-
-TEST(StringFind, Character) {
-    String s("a.b.c");
-    EXPECT_EQ(s.find('.'), 1);
-    EXPECT_EQ(s.find('.', 2), 3);
-    EXPECT_EQ(s.find('.', 4), -1);
-    EXPECT_EQ(s.find('.', s.length, true), 3);  // starts on the final zero
-    EXPECT_EQ(s.find('.', 2, true), 1);
-    EXPECT_EQ(s.find('a', 0, true), 0);
-    EXPECT_EQ(s.find('x'), -1);
-    EXPECT_EQ(s.find('.', -1), -1);
-    EXPECT_EQ(String(nullptr).find('.'), -1);
-}
-
-TEST(StringFind, Text) {
-    String s("abcabc");
-    EXPECT_EQ(s.find("bc"), 1);
-    EXPECT_EQ(s.find("bc", 2), 4);
-    EXPECT_EQ(s.find("bc", -3), 1);
-    EXPECT_EQ(s.find("zz"), -1);
-    EXPECT_EQ(s.find("bc", 50), -1);
-    EXPECT_EQ(String(nullptr).find("a"), -1);
-}
-
-TEST(StringSubstr, InclusiveBounds) {
-    String s("abc");
-    EXPECT_EQ(s.substr(1, 1), "b");
-    EXPECT_EQ(s.substr(-4, 1), "ab");
-    EXPECT_EQ(s.substr(1, -1), "bc");
-    EXPECT_EQ(s.substr(1, 99), "bc");
-    String empty = s.substr(2, 1);
-    EXPECT_FALSE(empty.isNull());
-    EXPECT_EQ(empty.length, 0);
-    EXPECT_EQ(s.substr(7, 9).length, 0);
-    EXPECT_TRUE(String(nullptr).substr(0, 1).isNull());
-}
-
-TEST(StringWord, SingleSeparators) {
-    String s("a=b=c");
-    EXPECT_EQ(s.word(0, '='), "a");
-    EXPECT_EQ(s.word(1, '='), "b");
-    EXPECT_EQ(s.word(2, '='), "c");
-    EXPECT_TRUE(s.word(3, '=').isNull());
-    EXPECT_EQ(s.words(1, -1, '='), "b=c");
-    EXPECT_EQ(s.words(0, 1, '='), "a=b");
-    EXPECT_TRUE(String("a=b").word(5, '=').isNull());
-    EXPECT_TRUE(s.word(-1, '=').isNull());
-}
-
-TEST(StringWord, AdjacentSeparatorsAndWholeText) {
-    String s("a==b");
-    EXPECT_EQ(s.word(1, '='), "");
-    EXPECT_FALSE(s.word(1, '=').isNull());
-    EXPECT_EQ(s.word(2, '='), "b");
-    EXPECT_EQ(String("whole").word(0, '='), "whole");
-    EXPECT_EQ(String("x y").word(1), "y");
-    EXPECT_TRUE(String(nullptr).word(0).isNull());
-}
-
-TEST(StringWord, LoopEndsOnNull) {
-    String s("p,q,,r");
+TEST(String, SubstrAndWords) {
+    String s("abc"), eq("a=b=c");
+    expectRows({{s.substr(1, 1), "b"}, {s.substr(-4, 1), "ab"}, {s.substr(1, -1), "bc"}, {s.substr(1, 99), "bc"},
+                {s.substr(2, 1), ""}, {s.substr(7, 9), ""}, {String(nullptr).substr(0, 1), null},
+                {eq.word(0, '='), "a"}, {eq.word(2, '='), "c"}, {eq.word(3, '='), null}, {eq.word(-1, '='), null},
+                {eq.words(1, -1, '='), "b=c"}, {eq.words(0, 1, '='), "a=b"}, {String("a==b").word(1, '='), ""},
+                {String("a==b").word(2, '='), "b"}, {String("whole").word(0, '='), "whole"},
+                {String("x y").word(1), "y"}, {String(nullptr).word(0), null}});
+    String p("p,q,,r");
     int n = 0;
-    for (String w = s.word(0, ','); !w.isNull(); w = s.word(++n, ',')) {
+    for (String w = p.word(0, ','); !w.isNull(); w = p.word(++n, ',')) {
     }
     EXPECT_EQ(n, 4);
 }
 
-TEST(StringTrim, BothEnds) {
-    String s(" \tab c\t ");
-    s.trim();
-    EXPECT_EQ(s, "ab c");
-    String x("xxaxx");
-    x.trim('x');
-    EXPECT_EQ(x, "a");
-}
-
-TEST(StringTrim, OnlyTrimmedCharactersKeepTheFirst) {
-    String blanks("   ");
-    blanks.trim(0);
-    EXPECT_EQ(blanks, " ");
-    String mixed("\t  ");
-    mixed.trim(0);
-    EXPECT_EQ(mixed, "\t");
-    String one("x");
-    one.trim('x');
-    EXPECT_EQ(one, "x");
-    String empty("");
-    empty.trim(0);
-    EXPECT_EQ(empty.length, 0);
-    EXPECT_FALSE(empty.isNull());
-    String null(nullptr);
-    null.trim();
-    EXPECT_TRUE(null.isNull());
-}
-
-TEST(StringSwap, Characters) {
-    String s("a.b.c");
-    s.swap('.', '/');
-    EXPECT_EQ(s, "a/b/c");
-    s.swap('/', 0);
-    EXPECT_EQ(s, "a/b/c");
-}
-
-TEST(StringSwap, TextsInOnePass) {
-    String s("aXbXc");
-    s.swap("X", "XX");  // what was inserted isn't looked at again
-    EXPECT_EQ(s, "aXXbXXc");
-    String r("one, two, three");
-    r.swap(", ", nullptr);
-    EXPECT_EQ(r, "onetwothree");
-    String t("aaa");
-    t.swap("aa", "b");
-    EXPECT_EQ(t, "ba");
-    String u("abc");
-    u.swap("", "x");
-    EXPECT_EQ(u, "abc");
-}
-
-TEST(StringCount, NonOverlapping) {
-    EXPECT_EQ(String("aaaa").count("aa"), 2);
-    EXPECT_EQ(String("abc").count("x"), 0);
-    EXPECT_EQ(String("abc").count(""), -1);
-    EXPECT_EQ(String("abc").count(nullptr), -1);
-}
-
-TEST(StringInsert, PositionsAndAppend) {
-    String s("ace");
-    s.insert(1, "b");
-    EXPECT_EQ(s, "abce");
-    s.insert(4, String("fg"));
-    EXPECT_EQ(s, "abcefg");
-    s.insert(99, "h", 1);
-    EXPECT_EQ(s, "abcefgh");
-    s.insert(0, "xyz", 2);
-    EXPECT_EQ(s, "xyabcefgh");
+TEST(String, TrimSwapInsert) {
     String self("12");
     self.insert(1, self.text, 2);
-    EXPECT_EQ(self, "1122");
-    String null(nullptr);
-    null.insert(3, "q");
-    EXPECT_EQ(null, "q");
+    expectRows({{String(" \tab c\t ").trim(), "ab c"}, {String("xxaxx").trim('x'), "a"},
+                // only trimmed characters: the first stays
+                {String("   ").trim(0), " "}, {String("\t  ").trim(0), "\t"}, {String("x").trim('x'), "x"},
+                {String("").trim(0), ""}, {String(nullptr).trim(), null},
+                {String("a.b.c").swap('.', '/'), "a/b/c"}, {String("a/b").swap('/', 0), "a/b"},
+                {String("aXbXc").swap("X", "XX"), "aXXbXXc"},  // what was put in isn't looked at again
+                {String("one, two, three").swap(", ", nullptr), "onetwothree"}, {String("aaa").swap("aa", "b"), "ba"},
+                {String("abc").swap("", "x"), "abc"},
+                {String("ace").insert(1, "b"), "abce"}, {String("abce").insert(4, String("fg")), "abcefg"},
+                {String("ab").insert(99, "h", 1), "abh"}, {String("ab").insert(0, "xyz", 2), "xyab"},
+                {self, "1122"}, {String(nullptr).insert(3, "q"), "q"}});
 }
 
-TEST(StringAppend, RoomFilledOrLeftUnset) {
+TEST(String, AppendAndConcat) {
     String s("ab");
     char* at = s.append("xy", 5);
     EXPECT_EQ(at, s.text + 2);
-    EXPECT_EQ(s, "abxyxyx");
     String t("ab");
     at = t.append(nullptr, 2);
     at[0] = 'c';
     at[1] = 'd';
-    EXPECT_EQ(t, "abcd");
-    EXPECT_EQ(t.length, 4);
+    String nul(nullptr), nul2(nullptr), nul3(nullptr), a("a"), twice("a");
+    twice += twice;
+    expectRows({{s, "abxyxyx"}, {t, "abcd"},
+                {String("ab\0\0", 4) += "c", "abc"},  // trailing zero bytes go first
+                {nul += String("x"), "x"}, {nul2 += String(nullptr), null}, {nul3 += "", ""},
+                {String(nullptr) + "ab", "ab"}, {"ab" + String("cd"), "abcd"}, {a += '\0', "a"}, {a + 'b', "ab"},
+                {a + '\0', "a"}, {twice, "aa"},
+                {String("n=") << 42L << " ", "n=42 "}, {String() << -7LL << 0.1 << 1e20, "-70.11e+20"},
+                {String() << 1.0 / 3, "0.333333333333333"}});
 }
 
-TEST(StringAppend, TrailingZeroBytesGoFirst) {
-    String s("ab\0\0", 4);
-    s += "c";
-    EXPECT_EQ(s.length, 3);
-    EXPECT_EQ(s, "abc");
-}
-
-TEST(StringConcat, NullTakesTheOtherValue) {
-    String null(nullptr);
-    null += String("x");
-    EXPECT_EQ(null, "x");
-    String n2(nullptr);
-    n2 += String(nullptr);
-    EXPECT_TRUE(n2.isNull());
-    String n3(nullptr);
-    n3 += "";
-    EXPECT_FALSE(n3.isNull());
-    EXPECT_EQ(String(nullptr) + "ab", "ab");
-    EXPECT_EQ("ab" + String("cd"), "abcd");
-    String s("a");
-    s += '\0';
-    EXPECT_EQ(s.length, 1);
-    EXPECT_EQ(s + 'b', "ab");
-    EXPECT_EQ(s + '\0', "a");
-    s += s;
-    EXPECT_EQ(s, "aa");
-}
-
-TEST(StringConcat, Numbers) {
-    String s("n=");
-    s << 42L << " ";
-    EXPECT_EQ(s, "n=42 ");
-    String t;
-    t << -7LL << 0.1 << 1e20;
-    EXPECT_EQ(t, "-70.11e+20");
-    String u;
-    u << 1.0 / 3;
-    EXPECT_EQ(u, "0.333333333333333");
-}
-
-TEST(StringFormat, Pad) {
-    EXPECT_EQ(String("ab").pad(5), "   ab");
-    EXPECT_EQ(String("ab").pad(-5, "*"), "ab***");
-    EXPECT_EQ(String("ab").pad(6, "xy"), "xyxyab");
-    EXPECT_EQ(String("abcdef").pad(3), "abcdef");
-    EXPECT_EQ(String("abc").pad(-3), "abc");
-}
-
-TEST(StringFormat, Quote) {
-    EXPECT_EQ(String("x").quote('"'), "\"x\"");
-    EXPECT_EQ(String("x").quote('['), "[x]");
-    EXPECT_EQ(String("x").quote('{'), "{x}");
-    EXPECT_EQ(String("x").quote('('), "(x)");
-    EXPECT_EQ(String(nullptr).quote('\''), "''");
-}
-
-TEST(StringFormat, Escape) {
-    String s("a\\b\n\t\r\x01\x7f");
-    String controls(s);
-    controls.escape(true);
-    EXPECT_EQ(controls, "a\\\\b\\n\\t\\r\\d001\\d127");
-    String plain(s);
-    plain.escape(false);
-    EXPECT_EQ(plain, "a\\\\b\n\t\r\\d001\\d127");
-    String high("\xff");
-    high.escape(true);
-    EXPECT_EQ(high, "\\d255");
-}
-
-TEST(StringFormat, CaseAndFill) {
-    String s("aBc1");
-    EXPECT_EQ(s.toUppercase(), "ABC1");
-    EXPECT_EQ(s, "aBc1");
-    s.lowercase();
-    EXPECT_EQ(s, "abc1");
-    s.uppercase();
-    EXPECT_EQ(s, "ABC1");
-    s.fill('-');
-    EXPECT_EQ(s, "----");
-}
-
-TEST(StringCompare, NullOrdersLast) {
-    String null(nullptr);
-    EXPECT_EQ(null.cmp(nullptr), 0);
-    EXPECT_EQ(null.cmp("a"), 1);
-    EXPECT_EQ(String("a").cmp(nullptr), -1);
-    EXPECT_EQ(String("").cmp(nullptr), -1);
-    EXPECT_TRUE(String("a") < null);
-    EXPECT_FALSE(null == String(""));
-    EXPECT_TRUE(null == String(nullptr));
-}
-
-TEST(StringCompare, LengthLimits) {
-    String s("abcd");
-    EXPECT_EQ(s.cmp("abXX", 2), 0);
-    EXPECT_GT(s.cmp("abXX", 3), 0);
-    EXPECT_EQ(s.cmp("zzz", 0), 0);
-    EXPECT_GT(s.cmp("abc"), 0);
-    EXPECT_EQ(s.casecmp("ABCD"), 0);
-    EXPECT_EQ(s.casecmp("ABxx", 2), 0);
-    EXPECT_NE(s.casecmp("ABxx", 3), 0);
-    EXPECT_TRUE(String("a") < String("b"));
-    EXPECT_TRUE(String("a") != "b");
-}
-
-TEST(StringMatch, PatternsAndNulls) {
-    EXPECT_TRUE(String("data.bin").match("*.bin"));
-    EXPECT_FALSE(String("data.bin").match("*.dd"));
-    EXPECT_TRUE(String("x").match(nullptr));
-    EXPECT_TRUE(String("").match(nullptr));
-    EXPECT_FALSE(String(nullptr).match("*"));
-    EXPECT_TRUE(String(nullptr).match(nullptr));
-}
-
-TEST(StringNumbers, IsInteger) {
-    EXPECT_TRUE(String("123").isInteger());
-    EXPECT_TRUE(String("-12").isInteger());
-    EXPECT_TRUE(String("+").isInteger());
-    EXPECT_TRUE(String("-").isInteger());
-    EXPECT_FALSE(String("").isInteger());
-    EXPECT_FALSE(String(nullptr).isInteger());
-    EXPECT_FALSE(String("1.5").isInteger());
-    EXPECT_FALSE(String("--1").isInteger());
-    EXPECT_FALSE(String(" 1").isInteger());
-    EXPECT_EQ(String("-").toLong(), 0);
-}
-
-TEST(StringNumbers, IsNumber) {
-    EXPECT_EQ(String("12").isNumber(), 2);
-    EXPECT_EQ(String("-1.5").isNumber(), 1);
-    EXPECT_EQ(String(".5").isNumber(), 1);
-    EXPECT_EQ(String("1.2.3").isNumber(), 0);
-    EXPECT_EQ(String("1e5").isNumber(), 0);
-    EXPECT_EQ(String("").isNumber(), 0);
-    EXPECT_EQ(String(".").isNumber(), 0);
-}
-
-TEST(StringNumbers, IsAlpha) {
-    EXPECT_TRUE(String("abc123").isAlpha());
-    EXPECT_TRUE(String("").isAlpha());
-    EXPECT_FALSE(String("a_b").isAlpha());
-}
-
-TEST(StringNumbers, Conversions) {
-    EXPECT_EQ(String("42abc").toInt(), 42);
-    EXPECT_EQ(String("").toLong(), 0);
-    EXPECT_EQ(String(nullptr).toLLong(), 0);
-    EXPECT_EQ(String("-9000000000").toLLong(), -9000000000LL);
-    EXPECT_EQ(String("010").toLong(), 10);  // always base 10
-    EXPECT_DOUBLE_EQ(String("2.5x").toDouble(), 2.5);
-    EXPECT_EQ(String("").toDouble(), 0.0);
-    EXPECT_DOUBLE_EQ(String("2.5").toSmartDouble(), 2.5);
-    EXPECT_TRUE(std::isnan(String("2.5x").toSmartDouble()));
-    EXPECT_TRUE(std::isnan(String("").toSmartDouble()));
-    EXPECT_TRUE(std::isnan(String("x").toSmartDouble()));
-}
-
-TEST(StringOutput, StreamWritesAllBytes) {
+TEST(String, Formatting) {
+    String s("a\\b\n\t\r\x01\x7f"), c(s), p(s), mixed("aBc1");
+    EXPECT_EQ(v(mixed.toUppercase()), "ABC1");
+    expectRows({{String("ab").pad(5), "   ab"}, {String("ab").pad(-5, "*"), "ab***"}, {String("ab").pad(6, "xy"), "xyxyab"},
+                {String("abcdef").pad(3), "abcdef"}, {String("abc").pad(-3), "abc"},
+                {String("x").quote('"'), "\"x\""}, {String("x").quote('['), "[x]"}, {String("x").quote('{'), "{x}"},
+                {String("x").quote('('), "(x)"}, {String(nullptr).quote('\''), "''"},
+                {c.escape(true), "a\\\\b\\n\\t\\r\\d001\\d127"}, {p.escape(false), "a\\\\b\n\t\r\\d001\\d127"},
+                {String("\xff").escape(true), "\\d255"},
+                {mixed, "aBc1"}, {mixed.lowercase(), "abc1"}, {mixed.uppercase(), "ABC1"}, {mixed.fill('-'), "----"}});
     std::ostringstream out;
     out << String("a\0b", 3) << String(nullptr) << String("!");
     EXPECT_EQ(out.str(), std::string("a\0b!", 4));
+}
+
+TEST(String, CompareNullLast) {
+    String n(nullptr), s("abcd");
+    expectRows({{n.cmp(nullptr), 0}, {n.cmp("a"), 1}, {String("a").cmp(nullptr), -1}, {String("").cmp(nullptr), -1},
+                {String("a") < n, true}, {n == String(""), false}, {n == String(nullptr), true},
+                {s.cmp("abXX", 2), 0}, {s.cmp("abXX", 3) > 0, true}, {s.cmp("zzz", 0), 0}, {s.cmp("abc") > 0, true},
+                {s.casecmp("ABCD"), 0}, {s.casecmp("ABxx", 2), 0}, {s.casecmp("ABxx", 3) != 0, true},
+                {String("a") < String("b"), true}, {String("a") != "b", true}});
+}
+
+TEST(String, Numbers) {
+    expectRows({{String("123").isInteger(), true}, {String("-12").isInteger(), true}, {String("+").isInteger(), true},
+                {String("-").isInteger(), true}, {String("").isInteger(), false}, {String(nullptr).isInteger(), false},
+                {String("1.5").isInteger(), false}, {String("--1").isInteger(), false}, {String(" 1").isInteger(), false},
+                {String("12").isNumber(), 2}, {String("-1.5").isNumber(), 1}, {String(".5").isNumber(), 1},
+                {String("1.2.3").isNumber(), 0}, {String("1e5").isNumber(), 0}, {String("").isNumber(), 0},
+                {String(".").isNumber(), 0},
+                {String("abc123").isAlpha(), true}, {String("").isAlpha(), true}, {String("a_b").isAlpha(), false},
+                {String("-").toLong(), 0}, {String("42abc").toInt(), 42}, {String("").toLong(), 0},
+                {String(nullptr).toLLong(), 0}, {String("-9000000000").toLLong(), -9000000000LL},
+                {String("010").toLong(), 10}});  // always base 10
+    EXPECT_DOUBLE_EQ(String("2.5x").toDouble(), 2.5);
+    EXPECT_EQ(String("").toDouble(), 0.0);
+    EXPECT_DOUBLE_EQ(String("2.5").toSmartDouble(), 2.5);
+    for (const char* bad : {"2.5x", "", "x"}) EXPECT_TRUE(std::isnan(String(bad).toSmartDouble())) << bad;
 }

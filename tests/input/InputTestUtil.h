@@ -1,4 +1,4 @@
-// Scratch folders and an instrumented source for the input tests.
+// Scratch folders, readers and an instrumented source for the input tests.
 #pragma once
 
 #include <stdlib.h>
@@ -8,6 +8,7 @@
 #include <fstream>
 #include <string>
 
+#include "base/Exception.h"
 #include "input/InputStream.h"
 
 namespace inputtest {
@@ -32,8 +33,7 @@ public:
     std::string write(const std::string& name, const std::string& bytes) const {
         std::string full = path(name);
         std::filesystem::create_directories(std::filesystem::path(full).parent_path());
-        std::ofstream out(full, std::ios::binary);
-        out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        std::ofstream(full, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
         return full;
     }
 
@@ -48,12 +48,47 @@ inline std::string pattern(size_t n) {
     return s;
 }
 
+// Up to n bytes from place at.
+inline std::string readAt(zun::InputStream& s, long at, unsigned long n) {
+    std::string out(n, '\0');
+    s.seek(at, std::ios::beg);
+    out.resize(s.bufread(&out[0], n, 0));
+    return out;
+}
+
+// The next line of s, read into a buffer of size bytes.
+inline std::string nextLine(zun::InputStream& s, unsigned long size = 64) {
+    std::string buf(size, '\0');
+    s.getline(&buf[0], size, '\n');
+    return buf.c_str();
+}
+
+// Everything from the current place, read in pieces of chunk bytes.
+inline std::string readAll(zun::InputStream& s, unsigned long chunk) {
+    std::string out, piece(chunk, '\0');
+    for (;;) {
+        unsigned long got = s.bufread(&piece[0], chunk, 0);
+        out.append(piece, 0, got);
+        if (got < chunk) return out;
+    }
+}
+
+// "code: message" of the StdError that f throws, or "" when it throws none.
+template <class F>
+std::string stdErrorOf(F f) {
+    try {
+        f();
+    } catch (zun::StdError& e) {
+        return std::to_string(e.code()) + ": " + e.message.str();
+    }
+    return "";
+}
+
 // Passes everything to an inner stream and counts the reads and seeks.
 class CountingSource : public zun::InputStream {
 public:
     zun::InputStream* inner;
-    int reads = 0;
-    int seeks = 0;
+    int reads = 0, seeks = 0;
 
     explicit CountingSource(zun::InputStream* in) : zun::InputStream(in->name(-1)), inner(in) { fifo = in->isFifo(); }
     ~CountingSource() override { delete inner; }
