@@ -26,8 +26,6 @@ namespace {
 // A fixed-count array that walks its element from the start.
 class WalkArray : public StructArray {
 public:
-    int moves = 0;
-
     WalkArray(StructElem* prev, StructElem* parent, const char* name, long count)
         : StructArray(prev, parent, name, "array", "") {
         dim = count;
@@ -69,7 +67,6 @@ private:
     void setPtr(long place, long index) {
         element->offset = place;
         activeIndex = index;
-        ++moves;
         invalidate();
     }
 };
@@ -112,19 +109,14 @@ protected:
 
     // A record of hand-made fields: the record's own code sizes it.
     StructRec* record(StructElem* parent, const char* name) {
-        auto* r = new StructRec(dictPath("item").c_str(), root(), nullptr, parent, name, nullptr, "");
-        return r;
+        return new StructRec(dictPath("item").c_str(), root(), nullptr, parent, name, nullptr, "");
     }
 
     // root: count (UChar), then an array "items" of 3 records {len, text, flag}.
     void buildVariable() {
         dict("item", "item|||\n");
         dict("r", "r|||\ncount|UChar|||\n");
-        std::string bytes = "\x03";
-        bytes += std::string("\x02" "ab" "\x0A", 4);
-        bytes += std::string("\x00" "" "\x0B", 2);
-        bytes += std::string("\x03" "xyz" "\x0C", 5);
-        file = open("r", bytes);
+        file = open("r", treetest::raw("\x03" "\x02" "ab" "\x0A" "\x00" "\x0B" "\x03" "xyz" "\x0C"));
         items = new WalkArray(&root()[0], &root(), "items", 3);
         root().fields << items;
         item = record(items, "0");
@@ -135,18 +127,12 @@ protected:
         items->setElement(item);
     }
 
-    bool registered(long& slot) {
-        zun::ObjAppendList<long*>& slots = root().depSlots;
-        for (long i = 0; i < slots.count; ++i)
-            if (slots[i] == &slot) return true;
-        return false;
-    }
     long slotIndex(long& slot) {
-        zun::ObjAppendList<long*>& slots = root().depSlots;
-        for (long i = 0; i < slots.count; ++i)
-            if (slots[i] == &slot) return i;
+        for (long i = 0; i < root().depSlots.count; ++i)
+            if (root().depSlots[i] == &slot) return i;
         return -1;
     }
+    bool registered(long& slot) { return slotIndex(slot) >= 0; }
     static bool linked(StructArray& a, long index) {
         for (long i = 0; i < a.depLinks.count; ++i)
             if (a.depLinks[i] == index) return true;
@@ -157,13 +143,30 @@ protected:
 
 }  // namespace
 
-TEST_F(Dependencies, WalkedArrayReadsEachElement) {
+TEST_F(Dependencies, AMoveMarksWhatMovesStale) {
     buildVariable();
     (*items)[0];
-    EXPECT_EQ(value(*flag), "10");
     EXPECT_EQ(value(*textField), "\"ab\"");
+    EXPECT_EQ(flag->getOffset(), 3);
+    EXPECT_EQ(item->getSize(), 4);
+    // a first child lies at 0 whatever the array does; so does a field behind a fixed-size first child
+    EXPECT_FALSE(registered(len->offset));
+    EXPECT_FALSE(registered(textField->offset));
+    EXPECT_TRUE(registered(textField->size));
+    EXPECT_TRUE(linked(*items, slotIndex(flag->offset)));
+    EXPECT_TRUE(linked(*items, slotIndex(item->size)));
+    EXPECT_EQ(flag->getOffsetDep(), items);
+    EXPECT_EQ(item->getSizeDep(), items);
+    EXPECT_EQ(len->getOffsetDep(), nullptr);
+    EXPECT_EQ(textField->getOffsetDep(), nullptr);
     (*items)[1];
-    EXPECT_EQ(flag->getPos(), 6);
+    EXPECT_EQ(flag->offset, -1);
+    EXPECT_EQ(textField->size, -1);
+    EXPECT_EQ(item->size, -1);
+    EXPECT_EQ(len->offset, 0);
+    EXPECT_EQ(textField->offset, 1);
+    EXPECT_EQ(flag->getOffset(), 1);
+    EXPECT_EQ(item->getSize(), 2);
     EXPECT_EQ(value(*flag), "11");
     EXPECT_EQ(value(*textField), "\"\"");
     (*items)[2];
@@ -175,64 +178,19 @@ TEST_F(Dependencies, WalkedArrayReadsEachElement) {
     EXPECT_EQ(items->getSize(), 11);
 }
 
-TEST_F(Dependencies, WhatMovesIsRegisteredAndWhatDoesNotIsNot) {
+TEST_F(Dependencies, SlotsAreTakenOnceAndGoWithTheirElement) {
     buildVariable();
     (*items)[0];
     flag->getOffset();
-    item->getSize();
-    EXPECT_FALSE(registered(len->offset));      // a first child lies at 0 whatever the array does
-    EXPECT_TRUE(registered(textField->size));
-    EXPECT_FALSE(registered(textField->offset));  // behind a fixed-size first child
-    EXPECT_TRUE(registered(flag->offset));
-    EXPECT_TRUE(registered(item->size));
-    EXPECT_TRUE(linked(*items, slotIndex(flag->offset)));
-    EXPECT_TRUE(linked(*items, slotIndex(item->size)));
-    EXPECT_EQ(flag->getOffsetDep(), items);
-    EXPECT_EQ(item->getSizeDep(), items);
-    EXPECT_EQ(len->getOffsetDep(), nullptr);
-    EXPECT_EQ(textField->getOffsetDep(), nullptr);
-    EXPECT_EQ(textField->offset, 1);
-}
-
-TEST_F(Dependencies, AMoveMarksTheSlotsStale) {
-    buildVariable();
-    (*items)[0];
-    EXPECT_EQ(flag->getOffset(), 3);
-    EXPECT_EQ(item->getSize(), 4);
-    (*items)[1];
-    EXPECT_EQ(flag->offset, -1);
-    EXPECT_EQ(textField->size, -1);
-    EXPECT_EQ(item->size, -1);
-    EXPECT_EQ(len->offset, 0);
-    EXPECT_EQ(textField->offset, 1);
-    EXPECT_EQ(flag->getOffset(), 1);
-    EXPECT_EQ(item->getSize(), 2);
-}
-
-TEST_F(Dependencies, RegistrationHappensOnce) {
-    buildVariable();
-    (*items)[0];
-    flag->getOffset();
-    long links = items->depLinks.count;
-    long slots = root().depSlots.count;
+    long links = items->depLinks.count, slots = root().depSlots.count, index = slotIndex(flag->offset);
     (*items)[2];
     flag->getOffset();
     item->getSize();
-    (*items)[1];
-    flag->getOffset();
-    EXPECT_EQ(root().depSlots.count, slots + 1);   // the record's size, asked for the first time
+    EXPECT_EQ(root().depSlots.count, slots + 1);  // the record's size, asked for the first time
     EXPECT_EQ(items->depLinks.count, links + 1);
     EXPECT_EQ(root().allocDep(flag->offset), -1);
-}
-
-TEST_F(Dependencies, RemovedSlotsAreSkipped) {
-    buildVariable();
-    (*items)[0];
-    flag->getOffset();
-    long index = slotIndex(flag->offset);
-    ASSERT_GE(index, 0);
-    long spare = 5;
-    long spareIndex = root().allocDep(spare);
+    // a removed slot stays linked and is skipped
+    long spare = 5, spareIndex = root().allocDep(spare);
     items->linkBack(spareIndex);
     root().removeDep(spare);
     EXPECT_EQ(root().depSlots[spareIndex], nullptr);
@@ -242,20 +200,15 @@ TEST_F(Dependencies, RemovedSlotsAreSkipped) {
     EXPECT_EQ(flag->offset, -1);
     EXPECT_EQ(root().depSlots[index], &flag->offset);
     long missing = 0;
-    root().removeDep(missing);   // not registered: no error
-    items->linkBack(-1);         // a negative slot adds nothing
+    root().removeDep(missing);  // not registered: no error
+    items->linkBack(-1);        // a negative slot adds nothing
     EXPECT_FALSE(linked(*items, -1));
-}
-
-TEST_F(Dependencies, ElementsTakeTheirSlotsAlong) {
-    buildVariable();
-    (*items)[0];
-    flag->getOffset();
-    long index = slotIndex(flag->offset);
+    // a deleted element takes its slots along
+    EXPECT_EQ(textField->getSize(), 0);
     item->fields.del(1);
     delete flag;
     EXPECT_EQ(root().depSlots[index], nullptr);
-    (*items)[1];   // walks the links without touching the deleted field
+    (*items)[0];  // walks the links without touching the deleted field
     EXPECT_EQ(textField->size, -1);
 }
 
@@ -263,8 +216,7 @@ TEST_F(Dependencies, NestedArraysLinkOutward) {
     dict("item", "item|||\n");
     dict("r", "r|||\n");
     // outer: 2 rows of inner: 2 records {len, text}
-    std::string bytes = std::string("\x01" "a" "\x00" "" "\x02" "bc" "\x01" "d", 8);
-    file = open("r", bytes);
+    file = open("r", treetest::raw("\x01" "a" "\x00" "\x02" "bc" "\x01" "d"));
     items = new WalkArray(nullptr, &root(), "outer", 2);
     root().fields << items;
     auto* inner = new WalkArray(nullptr, items, "0", 2);
@@ -292,15 +244,12 @@ TEST_F(Dependencies, NestedArraysLinkOutward) {
     EXPECT_EQ(t->getPos(), 7);
     EXPECT_EQ(text(t->getPathName()), "outer.1.1.text");
 
-    EXPECT_EQ(t->getParentArray(0), inner);
-    EXPECT_EQ(t->getParentArray(1), items);
-    EXPECT_EQ(t->getParentArray(2), nullptr);
-    EXPECT_EQ(t->getParentArray(-1), nullptr);
-    EXPECT_EQ(StructElem::innerDep(items, inner), inner);
-    EXPECT_EQ(StructElem::innerDep(inner, items), inner);
-    EXPECT_EQ(StructElem::innerDep(nullptr, items), items);
-    EXPECT_EQ(StructElem::innerDep(items, nullptr), items);
-    EXPECT_EQ(StructElem::innerDep(items, items), items);
+    const std::pair<StructArray*, StructArray*> found[] = {
+        {t->getParentArray(0), inner}, {t->getParentArray(1), items}, {t->getParentArray(2), nullptr},
+        {t->getParentArray(-1), nullptr}, {StructElem::innerDep(items, inner), inner},
+        {StructElem::innerDep(inner, items), inner}, {StructElem::innerDep(nullptr, items), items},
+        {StructElem::innerDep(items, nullptr), items}, {StructElem::innerDep(items, items), items}};
+    for (const auto& f : found) EXPECT_EQ(f.first, f.second) << &f - found;
 
     // references climb the arrays
     int up = 0;

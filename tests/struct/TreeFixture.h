@@ -4,11 +4,10 @@
 
 #include <gtest/gtest.h>
 
-#include <ftw.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <stdlib.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -24,15 +23,13 @@ namespace treetest {
 class TempFolder {
 public:
     TempFolder() {
-        const char* tmp = std::getenv("TMPDIR");
-        std::string pattern = std::string(tmp && *tmp ? tmp : "/tmp") + "/treetest.XXXXXX";
+        std::string pattern = (std::filesystem::temp_directory_path() / "treetest.XXXXXX").string();
         char* made = ::mkdtemp(&pattern[0]);
         root = made ? made : "";
     }
     ~TempFolder() {
-        if (!root.empty())
-            ::nftw(root.c_str(), [](const char* p, const struct stat*, int, struct FTW*) { return ::remove(p); }, 16,
-                   FTW_DEPTH | FTW_PHYS);
+        std::error_code ec;
+        if (!root.empty()) std::filesystem::remove_all(root, ec);
     }
     TempFolder(const TempFolder&) = delete;
     TempFolder& operator=(const TempFolder&) = delete;
@@ -42,10 +39,8 @@ public:
     // Writes bytes to name, making the folders on the way; returns the full path.
     std::string write(const std::string& name, const std::string& bytes) const {
         std::string full = path(name);
-        for (size_t at = full.find('/', root.size() + 1); at != std::string::npos; at = full.find('/', at + 1))
-            ::mkdir(full.substr(0, at).c_str(), 0700);
-        std::ofstream out(full, std::ios::binary);
-        out << bytes;
+        std::filesystem::create_directories(std::filesystem::path(full).parent_path());
+        std::ofstream(full, std::ios::binary) << bytes;
         return full;
     }
 
@@ -53,21 +48,17 @@ private:
     std::string root;
 };
 
-// Sets an environment variable (unsets it for a null value) for the life of
-// the object, then restores it.
-class EnvVar {
+// Unsets an environment variable for the life of the object.
+class UnsetEnv {
 public:
-    EnvVar(const char* name, const char* value) : name(name) {
+    explicit UnsetEnv(const char* name) : name(name) {
         const char* old = std::getenv(name);
-        hadOld = old != nullptr;
         if (old) oldValue = old;
-        if (value) ::setenv(name, value, 1);
-        else ::unsetenv(name);
+        hadOld = old != nullptr;
+        ::unsetenv(name);
     }
-    EnvVar(const char* name, const std::string& value) : EnvVar(name, value.c_str()) {}
-    ~EnvVar() {
+    ~UnsetEnv() {
         if (hadOld) ::setenv(name, oldValue.c_str(), 1);
-        else ::unsetenv(name);
     }
 
 private:
@@ -76,12 +67,11 @@ private:
     std::string oldValue;
 };
 
-// A test with a scratch folder for its dictionaries; VEXA_DICTIONARY_PATH
-// is unset unless the test sets it.
+// A test with a scratch folder for its dictionaries, and no dictionary root.
 class TreeTest : public ::testing::Test {
 protected:
     TempFolder dir;
-    EnvVar dictionaryPath{"VEXA_DICTIONARY_PATH", nullptr};
+    UnsetEnv dictionaryPath{"VEXA_DICTIONARY_PATH"};
 
     // Writes a dictionary file "<name>.dd" from its lines.
     void dict(const std::string& name, const std::string& lines) { dir.write(name + ".dd", lines); }
@@ -90,15 +80,13 @@ protected:
 
     // A file named "data.bin" over bytes in memory, read through the
     // dictionary <name> of the scratch folder.
-    std::unique_ptr<vexa::File> open(const std::string& name, const std::string& bytes,
-                                     vexa::File::ByteOrder order = vexa::File::OrderNone) {
-        return openNamed(dir.path(name), bytes, order);
+    std::unique_ptr<vexa::File> open(const std::string& name, const std::string& bytes) {
+        return openNamed(dir.path(name), bytes);
     }
     // The same with the dictionary name as the reader gets it.
-    std::unique_ptr<vexa::File> openNamed(const std::string& dictionary, const std::string& bytes,
-                                          vexa::File::ByteOrder order = vexa::File::OrderNone) {
+    std::unique_ptr<vexa::File> openNamed(const std::string& dictionary, const std::string& bytes) {
         return std::make_unique<vexa::File>(dictionary.c_str(), "data.bin", bytes.data(),
-                                            static_cast<int>(bytes.size()), order);
+                                            static_cast<int>(bytes.size()), vexa::File::OrderNone);
     }
 };
 
