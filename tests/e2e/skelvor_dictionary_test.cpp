@@ -56,47 +56,36 @@ TEST_F(Dictionaries, ColumnsQuotedStarredAndTrimmed) {
     expectOut(withDictionary(text, {"-base", "-b"}), "ABC");
 }
 
-TEST_F(Dictionaries, HeaderOnlyDictionaryHasNoFields) {
+TEST_F(Dictionaries, HeaderOnlyEmptyAndUnfinishedDictionaries) {
     expectOut(withDictionary("empty|nothing in here||\n"), "");
     expectOut(withDictionary("empty|nothing in here||\n", {"-base"}), "");
     expectOut(withDictionary("empty|||", {"-base", "-i"}), "FILE ; Record'empty ; empty\n");
     // an empty first line is a header too: the record is named after the file
     expectOut(withDictionary("\na|UChar|||\n", {"-base", "-i"}), "FILE ; Record't.dd ; t.dd\n|_ a ; UChar ; \n");
-}
-
-TEST_F(Dictionaries, LastLineWithoutNewlineIsDropped) {
+    expectOut(withDictionary(""), "");
+    expectOut(withDictionary("", {"-base", "-i"}), "FILE ; Record't.dd ; t.dd\n");
+    // a last line without a newline is dropped
     expectOut(withDictionary("t|||\na|UChar|||\nb|UChar|||"), "00> a = 65\n");
 }
 
-TEST_F(Dictionaries, FieldLinesNeedFourColumns) {
-    expectDictionaryError("t|||\na|UChar||\n", "Missing Columns");
-    expectDictionaryError("t|||\na|UChar\n", "Missing Columns");
-    expectOut(withDictionary("t|||\na|UChar|||\n"), "00> a = 65\n");
-}
-
-TEST_F(Dictionaries, FieldNames) {
-    expectDictionaryError("t|||\na.b|UChar|||\n", "invalid field name \"a.b\"");
-    expectDictionaryError("t|||\n-a|UChar|||\n", "invalid field name \"-a\"");
-    expectDictionaryError("t|||\na*|UChar|||\n", "invalid field name \"a*\"");
-    expectDictionaryError("t|||\na'b|UChar|||\n", "invalid field name \"a'b\"");
-}
-
-TEST_F(Dictionaries, TypesAndSizesRefusedByTheFactory) {
-    expectDictionaryError("t|||\na|UChar||2\n", "invalid size for Char field '2'");
-    expectDictionaryError("t|||\na|UShort||4\n", "invalid size for Short field '4'");
-    expectDictionaryError("t|||\na|ULong||5\n", "invalid size for Long field '5'");
-    expectDictionaryError("t|||\na|ULLong||4\n", "invalid size for LLong field '4'");
-    expectDictionaryError("t|||\na|Float||8\n", "invalid size for Float field '8'");
-    expectDictionaryError("t|||\na|Double||4\n", "invalid size for Double field '4'");
-    expectDictionaryError("t|||\na|DateTime||4\n", "invalid size for DateTime field '4'");
-    expectDictionaryError("t|||\na|Date||1\n", "invalid size for Date field '1'");
-    expectDictionaryError("t|||\na|aUShort|||\n", "invalid size for Ascii numeric field ''");
-    expectDictionaryError("t|||\na|aUShort||0\n", "invalid size for Ascii numeric field '0'");
-    expectDictionaryError("t|||\na|UChar||-1\n", "a invalid negative size '-1'");
-    expectDictionaryError("t|||\na|Bogus|||\n", "unknown field type \"Bogus\"");
-    expectDictionaryError("t|||\na|XChar|||\n", "unknown field type \"XChar\"");
-    expectDictionaryError("t|||\na|aBogus||2\n", "unknown field type \"aBogus\"");
-    expectDictionaryError("t|||\n~a|Bogus||1\n", "unknown virtual field type \"Bogus\"");
+TEST_F(Dictionaries, LinesRefusedByTheReaderAndTheFactory) {
+    const char* rows[][2] = {
+        {"a|UChar||", "Missing Columns"}, {"a|UChar", "Missing Columns"},
+        {"a.b|UChar|||", "invalid field name \"a.b\""}, {"-a|UChar|||", "invalid field name \"-a\""},
+        {"a*|UChar|||", "invalid field name \"a*\""}, {"a'b|UChar|||", "invalid field name \"a'b\""},
+        {"a|UChar||2", "invalid size for Char field '2'"}, {"a|UShort||4", "invalid size for Short field '4'"},
+        {"a|ULong||5", "invalid size for Long field '5'"}, {"a|ULLong||4", "invalid size for LLong field '4'"},
+        {"a|Float||8", "invalid size for Float field '8'"}, {"a|Double||4", "invalid size for Double field '4'"},
+        {"a|DateTime||4", "invalid size for DateTime field '4'"}, {"a|Date||1", "invalid size for Date field '1'"},
+        {"a|aUShort|||", "invalid size for Ascii numeric field ''"},
+        {"a|aUShort||0", "invalid size for Ascii numeric field '0'"}, {"a|UChar||-1", "a invalid negative size '-1'"},
+        {"a|Bogus|||", "unknown field type \"Bogus\""}, {"a|XChar|||", "unknown field type \"XChar\""},
+        {"a|aBogus||2", "unknown field type \"aBogus\""}, {"~a|Bogus||1", "unknown virtual field type \"Bogus\""},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r[0]);
+        expectDictionaryError(std::string("t|||\n") + r[0] + "\n", r[1]);
+    }
 }
 
 TEST_F(Dictionaries, LooseTypeWordsThatPass) {
@@ -110,11 +99,7 @@ TEST_F(Dictionaries, SubDictionariesBesideTheirParent) {
     write("fmt/parts/head.dd", "head|||\nx|UChar|||\ny|@leaf|||\n");
     write("fmt/parts/leaf.dd", "leaf|||\nz|UShort|||\n");
     expectOut(run({"data.bin", "-d=fmt/main"}), "00> head.x = 65\n01> head.y (leaf) = [16963]\n03> tail = 68\n");
-    expectOut(run({"data.bin", "-d=fmt/main", "-r"}),
-              "00> head.x = 65\n01> head.y.z = 16963\n03> tail = 68\n");
-}
-
-TEST_F(Dictionaries, MissingSubDictionary) {
+    expectOut(run({"data.bin", "-d=fmt/main", "-r"}), "00> head.x = 65\n01> head.y.z = 16963\n03> tail = 68\n");
     write("fmt/main.dd", "main|||\nhead|@nowhere|||\n");
     expectRun(run({"data.bin", "-d=fmt/main"}), 1, "",
               "ERROR-STD002 No such file or directory : \"fmt/nowhere\"\n"
@@ -137,10 +122,9 @@ TEST_F(Dictionaries, NamesFromTheDictionaryRoot) {
     expectRun(run({"data.bin", "-d=fmt/r"}, root), 1, "", "ERROR-STD002 No such file or directory : \"fmt/r\"\n");
     expectRun(run({"data.bin", "-d=/nope"}, root), 1, "",
               "ERROR-STD002 No such file or directory : \"" + dir.path("dicts") + "//nope\"\n");
-}
-
-TEST_F(Dictionaries, MissingDictionary) {
     expectRun(run({"data.bin", "-d=nope"}), 1, "", "ERROR-STD002 No such file or directory : \"nope\"\n");
+    // without a root, no name is the index of the root folder
+    expectRun(run({"data.bin"}), 1, "", "ERROR-STD002 No such file or directory : \"/index\"\n");
     expectRun(run({"data.bin", "-d="}), 1, "", "ERROR-STD002 No such file or directory : \"/index\"\n");
 }
 
@@ -156,8 +140,7 @@ TEST_F(Dictionaries, RecordSizes) {
     expectOut(withDictionary("t|||\na|@sub/star||3\nb|@sub/four||2\nc|UChar|||\n", {"-r"}),
               "00> a.x = 65\n03> b.x = 68\n07> c = 72\n");
     // a size statement in the header
-    expectOut(withDictionary("t|||\na|@sub/param|||\nc|UChar|||\n", {"-r", "-D", "n=2"}),
-              "00> a.x = 65\n04> c = 69\n");
+    expectOut(withDictionary("t|||\na|@sub/param|||\nc|UChar|||\n", {"-r", "-D", "n=2"}), "00> a.x = 65\n04> c = 69\n");
     // the root's own size counts for binary output
     expectOut(withDictionary("t||5|\na|UChar|||\n", {"-base", "-b"}), "ABCDE");
 }
@@ -181,14 +164,13 @@ TEST_F(Dictionaries, OffsetMarkers) {
     // relative: from the end of the previous field
     expectOut(withDictionary("t|||\na|UChar|||\nb|UChar||||+2\nc|UChar||||-2\nd|UChar||||+0\n"),
               "00> a = 65\n03> b = 68\n02> c = 67\n03> d = 68\n");
-    // alignment: written "%%n" at the end of a line, "%%n%|" before another column
-    expectOut(withDictionary("t|||\na|String||3\nb|UShort||||%%4\nc|UChar||||%%1\nd|UChar||||%%4%|\n"),
-              "00> a = \"ABC\"\n04> b = 17734\n06> c = 71\n08> d = 73\n");
+    // alignment: written "%%n" at the end of a line, "%%n%|" before another column; 0 and 1 move nothing
+    expectOut(withDictionary("t|||\na|String||3\nb|UShort||||%%4\nc|UChar||||%%1\nd|UChar||||%%4%|\ne|UChar||||%%0\n"),
+              "00> a = \"ABC\"\n04> b = 17734\n06> c = 71\n08> d = 73\n09> e = 74\n");
     // a plain "%n" quotes the number: a fixed offset
     expectOut(withDictionary("t|||\na|UChar|||\nb|UChar||||%4\n"), "00> a = 65\n04> b = 69\n");
     // by a statement
-    expectOut(withDictionary("t|||\na|UChar|||\nb|UChar||||#at * 2\n", {"-D", "at=3"}),
-              "00> a = 65\n06> b = 71\n");
+    expectOut(withDictionary("t|||\na|UChar|||\nb|UChar||||#at * 2\n", {"-D", "at=3"}), "00> a = 65\n06> b = 71\n");
 }
 
 TEST_F(Dictionaries, OffsetsInsideSubRecordsAreRelativeToTheRecord) {
@@ -198,17 +180,14 @@ TEST_F(Dictionaries, OffsetsInsideSubRecordsAreRelativeToTheRecord) {
 }
 
 TEST_F(Dictionaries, BadOffsetMarkers) {
-    expectDictionaryError("t|||\na|UChar|||\nb|UChar||||%%x\n", "Field \"b\" invalid negative alignment offset");
-    expectDictionaryError("t|||\na|UChar|||\nb|UChar||||%%-2\n", "Field \"b\" invalid negative alignment offset");
+    for (const char* bad : {"%%x", "%%-2", "%%", "%%4x"})
+        expectDictionaryError(std::string("t|||\na|UChar|||\nb|UChar||||") + bad + "\n",
+                              "Field \"b\" invalid negative alignment offset");
     expectRun(withDictionary("t|||\na|UChar|||\nb|UChar||||#at - 9\n", {"-D", "at=3"}), 1, "00> a = 65\n",
               "ERROR-VEXA002 value out-of-range : offset reference \"#at - 9\" of structure \"b\" returns -6\n");
     // back before the start of the file
     expectRun(withDictionary("t|||\na|UChar|||\nb|UChar||||-3\n", {"-x"}), 1, "00> a = 65 ; 41\n-02> b = ",
               "ERROR-STD005 Input/output error : eof seeking field \"b\" at position -2 in \"data.bin\"\n");
-}
-
-TEST_F(Dictionaries, AnAlignmentOfZeroIsNoAlignment) {
-    expectOut(withDictionary("t|||\na|UChar|||\nb|UChar||||%%0\n"), "00> a = 65\n01> b = 66\n");
 }
 
 TEST_F(Dictionaries, ParametersOnDictionaryNames) {
@@ -222,15 +201,7 @@ TEST_F(Dictionaries, ParametersOnDictionaryNames) {
     expectOut(run({"data.bin&a=1", "-d=v&b=2"}), "00> a = \"A\"\n01> b = \"BC\"\n");
 }
 
-TEST_F(Dictionaries, AutoDescriptiveChain) {
-    write("ad/index.dd", "AUTO-DESCRIPTIVE|||\nkey|String||4\n");
-    write("ad/ABCD.dd", "auto-descriptive|||\nkey|String||4||4\n");
-    write("ad/EFGH.dd", "real|||LITTLE-ENDIAN\nk|String||4\nn|UShort||||8\n");
-    expectOut(run({"data.bin", "-d=ad"}), "00> k = \"ABCD\"\n08> n = 19017\n");
-    expectOut(run({"data.bin", "-d=ad", "-i", "-base"}), "FILE ; Record'real ; real\n|_ k ; String ; \n|_ n ; UShort ; \n");
-}
-
-TEST_F(Dictionaries, AutoDescriptiveFailures) {
+TEST_F(Dictionaries, AutoDescriptiveChains) {
     write("ad/index.dd", "AUTO-DESCRIPTIVE|||\nkey|String||4\n");
     expectRun(run({"data.bin", "-d=ad"}), 1, "", "ERROR-STD002 No such file or directory : \"ad/ABCD\"\n");
     write("ad/ABCD.dd", "auto-descriptive|||\nkey|String||4\n");
@@ -240,6 +211,11 @@ TEST_F(Dictionaries, AutoDescriptiveFailures) {
     write("nofield.dd", "AUTO-DESCRIPTIVE|||\n");
     expectRun(run({"data.bin", "-d=nofield"}), 1, "",
               "ERROR-VEXA006 invalid field index : index (-1) in structure [root]\n");
+    write("ad/index.dd", "AUTO-DESCRIPTIVE|||\nkey|String||4\n");
+    write("ad/ABCD.dd", "auto-descriptive|||\nkey|String||4||4\n");
+    write("ad/EFGH.dd", "real|||LITTLE-ENDIAN\nk|String||4\nn|UShort||||8\n");
+    expectOut(run({"data.bin", "-d=ad"}), "00> k = \"ABCD\"\n08> n = 19017\n");
+    expectOut(run({"data.bin", "-d=ad", "-i", "-base"}), "FILE ; Record'real ; real\n|_ k ; String ; \n|_ n ; UShort ; \n");
 }
 
 TEST_F(Dictionaries, UserDictionaryIsAppended) {
@@ -256,9 +232,6 @@ TEST_F(Dictionaries, UserDictionaryIsAppended) {
               "ERROR-STD002 No such file or directory : \"user/none\"\n");
     expectRun(run({"data.bin", "-d=main", "-u"}), 1, "",
               "ERROR-STD002 No such file or directory : invalid blank filename\n");
-}
-
-TEST_F(Dictionaries, UserDictionaryWithTheSameNames) {
     write("main.dd", "main|||\nx|UChar|||\n");
     write("dup.dd", "dup|||\nx|UChar|||\n");
     expectOut(run({"data.bin", "-d=main", "-u=dup"}), "00> x = 65\n01> x = 66\n");
@@ -277,12 +250,6 @@ TEST_F(Dictionaries, BinaryGarbageAsADictionary) {
     write("cs.dd", bytes({0x01, '|', 0x02, '|', 0x03, '|', 0x04, '\n'}));
     expectRun(run({"data.bin", "-d=cs"}), 1, "",
               "ERROR-VEXA015 dictionary error : invalid coding standard \"\x04\" in dictionary 'cs.dd'\n");
-}
-
-TEST_F(Dictionaries, EmptyDictionaryFile) {
-    write("empty.dd", "");
-    expectOut(run({"data.bin", "-d=empty"}), "");
-    expectOut(run({"data.bin", "-d=empty", "-base", "-i"}), "FILE ; Record'empty.dd ; empty.dd\n");
 }
 
 TEST_F(Dictionaries, LinesOverTheLimit) {

@@ -28,12 +28,9 @@ protected:
     }
 };
 
-TEST_F(Modes, DefaultReadingOpensTheFirstLevel) {
+TEST_F(Modes, DefaultReadingOpensTheFirstLevelExplodeGoesToTheLeaves) {
     expectOut(deep({}), "00> a.p (d2) = [65,66]\n02> a.q (d2) = [67,68]\n04> b = 69\n");
     expectOut(deep({"-x"}), "00> a.p (d2) = [65,66] ; '41'42\n02> a.q (d2) = [67,68] ; '43'44\n04> b = 69 ; 45\n");
-}
-
-TEST_F(Modes, ExplodeGoesDownToTheLeaves) {
     expectOut(deep({"-r"}), "00> a.p.m = 65\n01> a.p.n = 66\n02> a.q.m = 67\n03> a.q.n = 68\n04> b = 69\n");
     // -r also keeps -b from being an option
     expectRun(deep({"-r", "-b", "b"}), 0, "04> b = 69\n", "WARNING-MAIN : -b no match found\n");
@@ -52,22 +49,18 @@ TEST_F(Modes, BaseAloneIsTheRoot) {
     expectOut(deep({"-base="}), "00> a (d1) = [[65,66],[67,68]]\n04> b = 69\n");
 }
 
-TEST_F(Modes, BaseOnARecord) {
+TEST_F(Modes, BaseOnARecordOrALeaf) {
     expectOut(deep({"-base=a"}), "00> a.p (d2) = [65,66]\n02> a.q (d2) = [67,68]\n");
     expectOut(deep({"-base=a.q", "-x"}), "02> a.q.m = 67 ; 43\n03> a.q.n = 68 ; 44\n");
     expectRun(deep({"-base=a", "q", "p.n", "zz"}), 0, "02> a.q (d2) = [67,68]\n01> a.p.n = 66\n",
               "WARNING-MAIN : zz no match found\n");
     expectOut(deep({"-base=a", "-r", "q"}), "02> a.q.m = 67\n03> a.q.n = 68\n");
-}
-
-TEST_F(Modes, BaseOnALeaf) {
     expectOut(deep({"-base=a.q.n"}), "03> a.q.n = 68\n");
     expectOut(deep({"-base=b", "-x"}), "04> b = 69 ; 45\n");
 }
 
 TEST_F(Modes, BaseThatIsNoField) {
-    expectRun(deep({"-base=zz"}), 1, "",
-              "ERROR-VEXA005 invalid field name : field [zz] in structure [root]\n");
+    expectRun(deep({"-base=zz"}), 1, "", "ERROR-VEXA005 invalid field name : field [zz] in structure [root]\n");
     expectRun(deep({"-base=a.zz"}), 1, "", "ERROR-VEXA005 invalid field name : field [zz] in structure [a]\n");
     expectRun(deep({"-base=b.c"}), 1, "", "ERROR-VEXA005 invalid field name : field [c] in structure [b]\n");
     // a dot at the end is part of the name
@@ -86,6 +79,9 @@ TEST_F(Modes, StructureListing) {
               "  |_ n ; UChar ; \n"
               "b ; UChar ; \n");
     expectOut(deep({"-i", "a.q.n", "b"}), "a.q.n ; UChar ; \nb ; UChar ; \n");
+    write("empty.bin", "");
+    expectOut(run({"empty.bin", "-d=deep", "-i"}),
+              "a ; Record'd1 ; d1\n|_ p ; Record'd2 ; d2\n|_ q ; Record'd2 ; d2\nb ; UChar ; \n");
 }
 
 TEST_F(Modes, StructureListingFromABase) {
@@ -106,21 +102,12 @@ TEST_F(Modes, StructureListingFromABase) {
     expectOut(deep({"-base=a.q.n", "-i"}), "a.q.n ; UChar ; \n");
 }
 
-TEST_F(Modes, ListingReadsNoData) {
-    write("empty.bin", "");
-    expectOut(run({"empty.bin", "-d=deep", "-i"}),
-              "a ; Record'd1 ; d1\n|_ p ; Record'd2 ; d2\n|_ q ; Record'd2 ; d2\nb ; UChar ; \n");
-}
-
 TEST_F(Modes, BinaryOutput) {
     expectOut(deep({"-b"}), "ABCDE");
     expectOut(deep({"-b", "a.q", "b", "a.p.m"}), "CDEA");
     expectOut(deep({"-base", "-b"}), "ABCDE");
     expectOut(deep({"-base=a", "-b"}), "ABCD");
     expectOut(deep({"-base=a", "-b", "q"}), "CD");
-}
-
-TEST_F(Modes, BinaryOutputOfNothing) {
     write("empty.dd", "empty|||\n");
     write("holes.dd", "holes|||\ne|@empty|||\nz|Null|||\nc|UChar|||\n");
     expectOut(run({"data.bin", "-d=holes", "-b", "e", "z"}), "");

@@ -98,13 +98,6 @@ protected:
 
     std::string write(const std::string& name, const std::string& bytes) { return dir.write(name, bytes); }
 
-    e2e::Result run(const std::vector<std::string>& args, const Env& env = {}) {
-        e2e::RunOptions options;
-        options.cwd = dir.path();
-        options.env = env;
-        return e2e::skelvor(args, options);
-    }
-
     // Standard input through a pipe, or through a regular file.
     e2e::Result runWithInput(const std::vector<std::string>& args, const std::string& input, bool asFile = false,
                              const Env& env = {}) {
@@ -114,6 +107,9 @@ protected:
         options.input = input;
         options.inputIsFile = asFile;
         return e2e::skelvor(args, options);
+    }
+    e2e::Result run(const std::vector<std::string>& args, const Env& env = {}) {
+        return runWithInput(args, "", false, env);
     }
 };
 
