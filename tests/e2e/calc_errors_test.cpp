@@ -9,8 +9,12 @@ using namespace calce2e;
 TEST(CalcErrors, ParseErrorMarksFromTheStartToTheOffendingToken) {
     expectError("a=1;;b=2", "ERROR-CALC001 parse error : in statement ( >>> a=1;; <<< )");
     expectError("1 ? 2", "ERROR-CALC001 parse error : in statement ( >>> 1 ? 2 <<< )");
-    expectError("(a)+1", "ERROR-CALC001 parse error : in statement ( >>> (a)+ <<< )");  // a bare (name) is no expression
+    // a bare (name) starts a cast, and is no expression
+    expectError("(a)+1", "ERROR-CALC001 parse error : in statement ( >>> (a)+ <<< )");
+    expectError("((a))", "ERROR-CALC001 parse error : in statement ( >>> ((a)) <<< )");
     expectError("1; 2", "ERROR-CALC001 parse error : in statement ( >>> 1; <<< )");
+    expectError("f(1,,2)", "ERROR-CALC001 parse error : in statement ( >>> f(1,, <<< )");
+    expectError("1 +\n)", "ERROR-CALC001 parse error : in statement ( >>> 1 +\\n) <<< )");  // the text is escaped
     expectErr({"-n", "2", "sort(iter)@reverse()"},
               "ERROR-CALC001 parse error : in statement ( >>> sort(iter)@reverse() <<< )\n");
     // Nesting deeper than the parser's stacks: the mark stands on the token where they ran out.
@@ -27,13 +31,18 @@ TEST(CalcErrors, OperatorExpectedMarksTheGap) {
     expectError("1 2", "ERROR-CALC003 operator expected : in statement (1 >>>   <<< 2)");
     expectError("1 'a'", "ERROR-CALC003 operator expected : in statement (1 >>>   <<< 'a')");
     expectError("1 (2)", "ERROR-CALC003 operator expected : in statement (1 >>>   <<< (2))");
+    expectError("1 2.5", "ERROR-CALC003 operator expected : in statement (1 >>>   <<< 2.5)");
+    expectError("1 max(1)", "ERROR-CALC003 operator expected : in statement (1 >>>   <<< max(1))");
+    expectError("1 {x}", "ERROR-CALC003 operator expected : in statement (1 >>>   <<< {x})");
     expectError("a=1; a y", "ERROR-CALC003 operator expected : in statement (a=1; a >>>   <<< y)");  // an unknown keyword
     expectError("(a)-1", "ERROR-CALC003 operator expected : in statement ((a) >>>  <<< -1)");       // no such cast
+    expectError("a = 3; (a) 1", "ERROR-CALC003 operator expected : in statement (a = 3; (a) >>>   <<< 1)");
 }
 
 TEST(CalcErrors, PrefixSequences) {
     expectError("! -1", "ERROR-CALC004 forbidden compound operator sequence : in statement ( >>> ! -1 <<< )");
     expectError("-!1", "ERROR-CALC004 forbidden compound operator sequence : in statement ( >>> -!1 <<< )");
+    expectError("2*-!1", "ERROR-CALC004 forbidden compound operator sequence : in statement (2* >>> -!1 <<< )");
 }
 
 TEST(CalcErrors, ArgumentCountsOfModifiers) {
@@ -50,20 +59,12 @@ TEST(CalcErrors, UnknownFunctionsAndSymbols) {
     expectError("a;b", "ERROR-CALC010 invalid symbol : \"a\"");
 }
 
-TEST(CalcErrors, IteratorNotOffered) {
-    const std::string noIterator = "ERROR-CALC012 error creating iterator : no bindIterator function\n";
-    expectErr({"sort(1)"}, noIterator);
-    expectErr({"-n", "2", "lastof(iter2)"}, noIterator);
-    e2e::TempDir dir;
-    std::string defs = dir.write("rows.def", "x = iter;");
-    expectErr({"-n", "2", "-D" + defs, "1"}, noIterator);  // a definitions file has no iterator at all
-}
-
 TEST(CalcErrors, SelfOutsideARecurrence) {
     const std::string head = "ERROR-CALC013 invalid self reference : self reference used outside of a recursion "
                              "function definition in statement ";
     expectError("1 + self * 2", head + "(1 +  >>> self <<<  * 2)");
     expectErr({"-n", "2", "recurse(self) + self"}, head + "(recurse(self) +  >>> self <<< )\n");
+    expectErr({"-n", "2", "lastof(self)"}, head + "(lastof( >>> self <<< ))\n");
     expectError("exec('self')", head + "( >>> self <<< )");
 }
 

@@ -14,6 +14,8 @@ TEST(CalcFunctions, NATests) {
     expectValue("hasnan(1, \"2\")", "0");
     expectValue("isfinite(1, infinity)", "0");
     expectValue("isna(vector(2)[nan, null])", "1");
+    // an empty vector leaves no argument: the "is" forms hold, the "has" forms don't
+    expectValue("a = vector(0); isna(a) << hasna(a) << minlookup(a) << isnan(min(a))", "\"10-11\"");
 }
 
 TEST(CalcFunctions, BitsMinMaxThreshold) {
@@ -25,6 +27,8 @@ TEST(CalcFunctions, BitsMinMaxThreshold) {
     expectValue("min(vector(3)[4,$1,9], 7)", "1");
     expectValue("threshold(1,2,3) << threshold(5,2,3) << threshold(2.5,2,3)", "\"-110\"");
     expectValue("threshold(nan,2,3) << threshold(5,2,nan)", "\"00\"");
+    expectValue("min(3,-1/0,nan) << ' ' << max('7',5) << ' ' << threshold(2,2,3) << bits(1,nan,nan) << isfinite(1,1/0)",
+                "\"-inf 7 000\"");
 }
 
 TEST(CalcFunctions, TableLookups) {
@@ -36,6 +40,9 @@ TEST(CalcFunctions, TableLookups) {
     expectValue("numlookup(10,0,10,20) << numlookup(nan,nan)", "\"1-1\"");
     expectValue("strlookup(\"b\",\"a\",\"b\") << strlookup(\"\",\"a\",null) << strlookup(null,null)", "\"11-1\"");
     expectValue("maxlookup(15, vector(3)[0,10,20])", "2");
+    expectValue("minlookup(10,0,10,20) << maxlookup(10,0,10,20) << minlookup(nan,0,10) << maxlookup(nan,0,10) << "
+                "numlookup(11,0,10)", "\"111-1-1\"");
+    expectValue("minselect(25,0,10,20) << ' ' << minselect(25) << ' ' << maxselect(0,0,10)", "\"20 -inf 0\"");
 }
 
 TEST(CalcFunctions, RoundingAndLogarithms) {
@@ -44,6 +51,9 @@ TEST(CalcFunctions, RoundingAndLogarithms) {
     expectValue("floor(-2.5) << ' ' << floor(1.27,1) << ' ' << ceil(1.21,1) << ' ' << ceil(-2.5)",
                 "\"-3 1.2 1.3 -2\"");
     expectValue("round(0, nan)", "0");  // the decimals of 0 are not read
+    expectValue("floor(1.29, 1.9) << ' ' << ceil(-1.5) << ' ' << abs(-0) << isnan(floor(2.5, nan)) << "
+                "isnan(round(nan))", "\"1.2 -1 011\"");
+    expectValue("log(8, nan)", "nan");
     expectValue("log(1, nan)", "0");
     expectValue("log(0)", "-inf");
     expectValue("log(-1)", "nan");
@@ -58,10 +68,12 @@ TEST(CalcFunctions, TrigonometryAndGeodesy) {
     expectValue("asin(1)", "1.5707963267949");
     expectValue("atan(1)", "0.785398163397448");
     expectValue("atan(1, -1)", "2.35619449019234");
+    expectValue("atan(-1, -1)", "-2.35619449019234");
     expectValue("arclen(0,0,0,0)", "0");
     expectValue("arclen(0,0,pi/2,0)", "1.5707963267949");
     expectValue("arclen(0,0,0.1,0.1) HaverSine", "0.141303298696124");
     expectValue("arcbearing(0,0,1,0) << ' ' << arcbearing(0,0,0,1)", "\"1.5707963267949 0\"");
+    expectValue("arcbearing(0,0,-1,0) << ' ' << arcbearing(0,0.5,0,-0.5)", "\"-1.5707963267949 3.14159265358979\"");
     expectError("arcdest(0,0,1,1)", "ERROR-CALC008 function unknown : \"arcdest\"");
     expectError("arcmidpoint(0,0,1,1)", "ERROR-CALC008 function unknown : \"arcmidpoint\"");
     expectError("arclen(0,0,0,0) iso", "ERROR-CALC003 operator expected : in statement (arclen(0,0,0,0) >>>   <<< iso)");
@@ -92,6 +104,17 @@ TEST(CalcFunctions, Texts) {
     expectValue("isnullstr(strmin(null))", "1");
     expectValue("strmax(vector(3)['x' << $1])", "\"x2\"");
     expectValue("strcount('abcabc','bc') << strcount('aaaa','aa') << strcount('abc','')", "\"22-1\"");
+    expectValue("x = 'abcd'; strcount(null,'a') << strfind('abc',null) << strlen(12.5) << ' ' << x[2]", "\"004 cd\"");
+    expectValue("strfill(2.9,'ab') << '|' << padstr('abcdef',3) << '|' << substr('abc',1,99) << '|' << "
+                "words('a=b=c','=;',1,-1) << '|' << words('a=b','',0) << '|' << trim('xxabxx','xyz') << '|' << "
+                "swap('a.b',null,'x') << swap('a.b','','x') << '|' << char(65.9) << insert('abc','XY',-3)",
+                "\"abab|abcdef|bc|b=c|a=b|ab|a.ba.b|AXYabc\"");
+    // empty is not null; what can't fit is
+    expectValue("isnullstr(strfill(0,'x')) << isnullstr(strfill(nan)) << isnullstr(strfill(5,null)) << "
+                "isnullstr(strmin('b','')) << isnullstr(words('a=b','=',5)) << isnullstr(strmax(null,null))",
+                "\"000011\"");
+    expectValue("isnullstr(strfill(3000000000,'ab')) << isnullstr(strfill(3000000000)) << "
+                "isnullstr(padstr('a', -2147483648))", "\"111\"");
 }
 
 TEST(CalcFunctions, TextTests) {
@@ -99,6 +122,7 @@ TEST(CalcFunctions, TextTests) {
     expectValue("isinteger('12','-3') << isinteger('1.5')", "\"10\"");
     expectValue("isdecimal('1.5') << isdecimal('12')", "\"10\"");
     expectValue("isalpha('ab12','') << isalpha('a b')", "\"10\"");
+    expectValue("isinteger('12','') << isdecimal('1.5','-0.25')", "\"01\"");
 }
 
 TEST(CalcFunctions, Dates) {
@@ -110,7 +134,10 @@ TEST(CalcFunctions, Dates) {
     expectValue("datestr(-1)", "\"31-DEC-1999 00:00:00.000000\"");
     expectValue("datestr(3/86400000000)", "\"01-JAN-2000 00:00:00.000003\"");
     expectValue("datestr(0.999999999999)", "\"01-JAN-2000 23:59:59.999999\"");
-    expectValue("isnullstr(datestr(nan))", "1");
+    expectValue("isnullstr(datestr(nan)) << isnullstr(datestr(infinity, 2000)) << isnullstr(datestr(1.0e300, 1990))",
+                "\"111\"");
+    expectValue("datenum(datestr(7000.25)) << ' ' << datenum(datestr(-400.75))", "\"7000.25 -400.75\"");
+    expectValue("datenum('01-JAN-2000', 1999)", "365");
     expectValue("datenum('02-JAN-2000 12:00:00')", "1.5");
     expectValue("datenum('2004-03-05T12:00:00') << datenum('20040305T120000') << datenum('05/03/2004 12:00:00')",
                 "\"1525.51525.51525.5\"");

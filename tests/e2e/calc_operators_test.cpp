@@ -10,10 +10,13 @@ TEST(CalcOperators, Arithmetic) {
     expectValue("2^3^2", "64");   // (2^3)^2
     expectValue("-2^2", "4");     // the prefix binds to the primary
     expectValue("1/0", "inf");
+    expectValue("-1/0", "-inf");
     expectValue("0*nan", "0");    // the right operand of a zero is not read
     expectValue("nan*0", "nan");
+    expectValue("-0*nan", "0");   // nor after a negative zero, and the product is a positive zero
     expectValue("1*-2", "-2");
     expectValue("1 + (-2)", "-1");
+    expectValue("a = 3; (a+0)", "3");
     expectValue("1 +! 2", "1");   // "+!" is no operator run: plus, then not
 }
 
@@ -41,6 +44,10 @@ TEST(CalcOperators, ComparisonsChosenByTheLeftOperand) {
     expectValue("\"b\" > \"a\"", "1");
     expectValue("\"a\" >= \"b\"", "0");
     expectValue("\"abc\" ~ \"a*\"", "1");
+    expectValue("('abc' ~ 'b*') << ('abc' ~ 'a?c') << ('abc' ~ null) << (null ~ '*')", "\"0110\"");
+    expectValue("(null < 'zzz') << ('b' <= 'a') << (3 >= 3) << (2 > 3) << ('10' == 10) << (nan < 1) << (-0 == 0)",
+                "\"0010101\"");
+    expectValue("(0 || nan) << (1 && 0) << !0", "\"101\"");
     expectValue("\"a\" + \"b\"", "nan");
 }
 
@@ -52,6 +59,7 @@ TEST(CalcOperators, BitsAndTexts) {
     expectValue("\"ab\" >> \"cd\"", "\"cdab\"");
     expectValue("1 << 2 + 3", "\"15\"");
     expectValue("null << \"x\"", "\"x\"");
+    expectValue("isnullstr(null << null)", "1");
 }
 
 TEST(CalcOperators, PrecedenceAndAssociativity) {
@@ -62,6 +70,7 @@ TEST(CalcOperators, PrecedenceAndAssociativity) {
     expectValue("1 < 2 == 1", "1");
     expectValue("2 * 3 % 4", "2");
     expectValue("-(2)^2", "4");
+    expectValue("!0 + 1", "2");
     expectError("1<2<3", "ERROR-CALC001 parse error : in statement ( >>> 1<2< <<< )");
     expectError("1==2~3", "ERROR-CALC001 parse error : in statement ( >>> 1==2~ <<< )");
 }
@@ -83,19 +92,14 @@ TEST(CalcOperators, LogicOperatorsFoldOnAConstantOperand) {
 // was read first.
 TEST(CalcOperators, OrderInWhichOperandsAreRead) {
     const std::string p = "exec(\"1+exec('p')\")", q = "exec(\"1+exec('q')\")";
+    const std::string t = "exec(\"'a' << exec('p')\")";  // a text that reads p
     const std::string pFirst = "ERROR-CALC010 invalid symbol : \"p\"", qFirst = "ERROR-CALC010 invalid symbol : \"q\"";
-    expectError(p + " + " + q, pFirst);
-    expectError(p + " < " + q, pFirst);
-    expectError(p + " > " + q, qFirst);
-    expectError(p + " >= " + q, qFirst);
-    expectError(p + " / " + q, qFirst);
-    expectError(p + " ^ " + q, qFirst);
-    expectError(p + " % " + q, qFirst);
-    expectError(p + " << " + q, qFirst);
-    expectError(p + " >> " + q, pFirst);
-    expectError(p + " ~ " + q, qFirst);
-    expectError(p + " && " + q, pFirst);
-    expectError("exec(\"'a' << exec('p')\") == " + q, qFirst);  // text equality reads the right first
+    for (const char* op : {"+", "-", "*", "<", "<=", "==", "!=", ">>", "&&", "&", "|"})
+        expectError(p + " " + op + " " + q, pFirst);
+    for (const char* op : {">", ">=", "/", "^", "%", "<<", "~"}) expectError(p + " " + op + " " + q, qFirst);
+    // text comparisons read their right operand first; > and >= exchange their operands
+    for (const char* op : {"==", "!=", "<", "<="}) expectError(t + " " + op + " " + q, qFirst);
+    for (const char* op : {">", ">="}) expectError(t + " " + op + " " + q, pFirst);
     expectError("insert(" + p + ", " + q + ", 1)", qFirst);
     expectError("datestr(" + p + ", " + q + ")", qFirst);
     expectValue("0 && " + q, "0");

@@ -1,111 +1,91 @@
 // skelvor-calc end to end: values, rows, parameters and the errors of the
 // command line and of the statement.
-#include <gtest/gtest.h>
-
 #include <string>
 
-#include "Harness.h"
+#include "calc_expect.h"
+
+using namespace calce2e;
 
 namespace {
 
-const char* const usageHead = "Usage: skelvor-calc [-n <count>] [-D <name>=<value>] ... [-D<definitions-file>] ... <statement>\n";
+const std::string usageHead =
+    "Usage: skelvor-calc [-n <count>] [-D <name>=<value>] ... [-D<definitions-file>] ... <statement>\n";
 
-void expectOutput(const e2e::Result& r, const std::string& out) {
-    EXPECT_EQ(r.status, 0);
-    EXPECT_EQ(r.out, out);
-    EXPECT_EQ(r.err, "");
-}
-
-void expectError(const e2e::Result& r, const std::string& err) {
+// The run fails with status 1 and its standard error begins with head.
+void expectErrHead(const std::vector<std::string>& args, const std::string& head) {
+    e2e::Result r = e2e::calc(args);
     EXPECT_EQ(r.status, 1);
     EXPECT_EQ(r.out, "");
-    EXPECT_EQ(r.err, err);
+    EXPECT_EQ(r.err.substr(0, head.size()), head);
 }
 
 }  // namespace
 
 TEST(CalcProgramValues, OneStatementOneLine) {
-    expectOutput(e2e::calc({"1+2"}), "3\n");
-    expectOutput(e2e::calc({"a = 2; b = a * a; a + b / 8"}), "2.5\n");
-    expectOutput(e2e::calc({"'a' << \"b\""}), "\"ab\"\n");
-    expectOutput(e2e::calc({"'tab\\there'"}), "\"tab\\there\"\n");
-    expectOutput(e2e::calc({"0/0"}), "nan\n");
-    expectOutput(e2e::calc({""}), "nan\n");  // an empty statement is the null node
-    expectOutput(e2e::calc({"1/3"}), "0.333333333333333\n");
-}
-
-TEST(CalcProgramValues, DatesAtMicrosecondPrecision) {
-    expectOutput(e2e::calc({"datestr(0.5)"}), "\"01-JAN-2000 12:00:00.000000\"\n");
+    expectValue("a = 2; b = a * a; a + b / 8", "2.5");
+    expectValue("'a' << \"b\"", "\"ab\"");
+    expectValue("0/0", "nan");
+    expectValue("", "nan");  // an empty statement is the null node
 }
 
 TEST(CalcProgramRows, OneLinePerRow) {
-    expectOutput(e2e::calc({"-n", "3", "iter * 2"}), "0\n2\n4\n");
-    expectOutput(e2e::calc({"iter", "-n", "2"}), "0\n1\n");  // options in any order
-    expectOutput(e2e::calc({"-n", "0", "iter"}), "");
-    expectOutput(e2e::calc({"-n", "4", "recurse(self + 1)"}), "1\n2\n3\n4\n");
-    expectOutput(e2e::calc({"-n", "4", "lastof(iter * 10, 7)"}), "7\n0\n10\n20\n");
-    expectOutput(e2e::calc({"-n", "3", "v = iter + 1; v * v"}), "1\n4\n9\n");  // variables are reset per row
+    expectRows(3, "iter * 2", "0\n2\n4\n");
+    expectOut({"iter", "-n", "2"}, "0\n1\n");  // options in any order
+    expectRows(0, "iter", "");
+    expectRows(3, "v = iter + 1; v * v", "1\n4\n9\n");  // variables are reset per row
 }
 
 TEST(CalcProgramParameters, TextParameters) {
-    expectOutput(e2e::calc({"-D", "w=12", "#w * 2"}), "24\n");
-    expectOutput(e2e::calc({"-D", "s=abc", "#s"}), "\"abc\"\n");
-    expectOutput(e2e::calc({"-D", "e=", "#e"}), "\"\"\n");
-    expectOutput(e2e::calc({"-D", "x=a=b", "#x"}), "\"a=b\"\n");
-    expectOutput(e2e::calc({"-D", "a=1", "-D", "a=2", "#a"}), "\"2\"\n");  // the later definition is found first
-    expectOutput(e2e::calc({"-n", "2", "-D", "k=10", "#k + iter"}), "10\n11\n");
+    expectOut({"-D", "w=12", "#w * 2"}, "24\n");
+    expectOut({"-D", "s=abc", "#s"}, "\"abc\"\n");
+    expectOut({"-D", "e=", "#e"}, "\"\"\n");
+    expectOut({"-D", "x=a=b", "#x"}, "\"a=b\"\n");
+    expectOut({"-D", "a=1", "-D", "a=2", "#a"}, "\"2\"\n");  // the later definition is found first
+    expectOut({"-D", "k=7", "$k << #k"}, "\"77\"\n");          // any one character before the name
+    expectErr({"-D", "k=7", "k"}, "ERROR-CALC010 invalid symbol : \"k\"\n");
+    expectOut({"-n", "2", "-D", "k=10", "#k + iter"}, "10\n11\n");
 }
 
 TEST(CalcProgramParameters, DefinitionsFiles) {
     e2e::TempDir dir;
     std::string defs = dir.write("params.def", "a = 2;\nb = 'x';  // a comment\nc = a * 10;\n");
-    expectOutput(e2e::calc({"-D" + defs, "#c << #b"}), "\"20x\"\n");
+    expectOut({"-D" + defs, "#c << #b"}, "\"20x\"\n");
     std::string more = dir.write("more.def", "a = 5");
-    expectOutput(e2e::calc({"-D" + defs, "-D" + more, "#a"}), "5\n");
-    expectOutput(e2e::calc({"-D" + dir.path("missing.def"), "1"}), "1\n");  // a file that can't be opened is empty
+    expectOut({"-D" + defs, "-D" + more, "#a"}, "5\n");
+    expectOut({"-D" + dir.path("missing.def"), "1"}, "1\n");  // a file that can't be opened is empty
+    expectErr({"-D" + dir.write("bad.def", "a = ;"), "1"},
+              "ERROR-CALC001 parse error : in statement ( >>> a = ; <<< )\n");
+    expectErr({"-D" + dir.write("unknown.def", "a = b + 1"), "1"}, "ERROR-CALC010 invalid symbol : \"b\"\n");
+    // a definitions file has no iterator at all
+    expectErr({"-n", "2", "-D" + dir.write("rows.def", "x = iter;"), "1"},
+              "ERROR-CALC012 error creating iterator : no bindIterator function\n");
 }
 
 TEST(CalcProgramErrors, MissingStatement) {
     const std::string missing = "ERROR-MAIN001  : missing arguments\n";
-    e2e::Result none = e2e::calc({});
-    EXPECT_EQ(none.status, 1);
-    EXPECT_EQ(none.out, "");
-    EXPECT_EQ(none.err.substr(0, missing.size() + std::string(usageHead).size()), missing + usageHead);
-    e2e::Result optionsOnly = e2e::calc({"-n", "2"});
-    EXPECT_EQ(optionsOnly.status, 1);
-    EXPECT_EQ(optionsOnly.err.substr(0, missing.size() + std::string(usageHead).size()), missing + usageHead);
+    expectErrHead({}, missing + usageHead);
+    expectErrHead({"-n", "2"}, missing + usageHead);
 }
 
 TEST(CalcProgramErrors, OptionsAndTheirValues) {
-    expectError(e2e::calc({"-n", "x", "1"}), "ERROR-MAIN002  : invalid row count for -n option: \"x\"\n");
-    expectError(e2e::calc({"-n", "-3", "1"}), "ERROR-MAIN002  : invalid row count for -n option: \"-3\"\n");
-    expectError(e2e::calc({"1", "-n"}), "ERROR-MAIN002  : missing row count after -n option\n");
-    expectError(e2e::calc({"1", "-D"}), "ERROR-MAIN002  : missing definition after -D option\n");
-    expectError(e2e::calc({"-D", "novalue", "1"}), "ERROR-MAIN002  : invalid definition after -D option: \"novalue\"\n");
-    e2e::Result extra = e2e::calc({"1", "2"});
-    EXPECT_EQ(extra.status, 1);
-    EXPECT_EQ(extra.out, "");
-    const std::string invalid = std::string("ERROR-MAIN001  : invalid option(s): 2 \n") + usageHead;
-    EXPECT_EQ(extra.err.substr(0, invalid.size()), invalid);
+    expectErr({"-n", "x", "1"}, "ERROR-MAIN002  : invalid row count for -n option: \"x\"\n");
+    expectErr({"-n", "-3", "1"}, "ERROR-MAIN002  : invalid row count for -n option: \"-3\"\n");
+    expectErr({"1", "-n"}, "ERROR-MAIN002  : missing row count after -n option\n");
+    expectErr({"1", "-D"}, "ERROR-MAIN002  : missing definition after -D option\n");
+    expectErr({"-D", "novalue", "1"}, "ERROR-MAIN002  : invalid definition after -D option: \"novalue\"\n");
+    expectErrHead({"1", "2"}, "ERROR-MAIN001  : invalid option(s): 2 \n" + usageHead);
 }
 
 TEST(CalcProgramErrors, StatementErrors) {
-    expectError(e2e::calc({"1+"}), "ERROR-CALC001 parse error : in statement ( >>> 1+ <<< )\n");
-    expectError(e2e::calc({"x"}), "ERROR-CALC010 invalid symbol : \"x\"\n");
-    expectError(e2e::calc({"f(1)"}), "ERROR-CALC008 function unknown : \"f\"\n");
-    expectError(e2e::calc({"1 + -2"}), "ERROR-CALC002 invalid operator : (+ -) in statement (1  >>> + - <<< 2)\n");
-    expectError(e2e::calc({"#p"}), "ERROR-CALC010 invalid symbol : \"#p\"\n");
+    expectError("1+", "ERROR-CALC001 parse error : in statement ( >>> 1+ <<< )");
+    expectError("x", "ERROR-CALC010 invalid symbol : \"x\"");
+    expectError("#p", "ERROR-CALC010 invalid symbol : \"#p\"");
 }
 
 TEST(CalcProgramErrors, IteratorsNeedRows) {
-    const std::string noIterator = "ERROR-CALC012 error creating iterator : no bindIterator function\n";
-    expectError(e2e::calc({"iter"}), noIterator);
-    expectError(e2e::calc({"recurse(self + 1)"}), noIterator);
-    expectError(e2e::calc({"-n", "2", "iter1"}), noIterator);
-}
-
-TEST(CalcProgramErrors, ABadDefinitionsFile) {
-    e2e::TempDir dir;
-    std::string defs = dir.write("bad.def", "a = ;");
-    expectError(e2e::calc({"-D" + defs, "1"}), "ERROR-CALC001 parse error : in statement ( >>> a = ; <<< )\n");
+    const std::string noIterator = "ERROR-CALC012 error creating iterator : no bindIterator function";
+    for (const char* statement : {"iter", "recurse(self + 1)", "recurse0(1)", "lastof(1)", "sort(1)"})
+        expectError(statement, noIterator);
+    expectErr({"-n", "2", "iter1"}, noIterator + "\n");  // the rows are the innermost level only
+    expectErr({"-n", "2", "lastof(iter2)"}, noIterator + "\n");
 }

@@ -7,6 +7,7 @@ using namespace calce2e;
 TEST(CalcRecurrences, SeedBeforeOrAtTheFirstRow) {
     expectRows(4, "recurse(self+1, 10)", "11\n12\n13\n14\n");
     expectRows(3, "recurse0(self+1, 10)", "10\n11\n12\n");
+    expectRows(3, "recurse0(self+1)", "0\n1\n2\n");
     expectRows(4, "recurse(self*2 + iter, 1)", "2\n5\n12\n27\n");
     expectRows(3, "recurse(self << 'x', '')", "\"x\"\n\"xx\"\n\"xxx\"\n");
     expectRows(3, "recurse0(self << iter, 's')", "\"s\"\n\"s1\"\n\"s12\"\n");
@@ -31,6 +32,7 @@ TEST(CalcRecurrences, PreviousValue) {
     expectRows(4, "lastof(lastof(iter, -1), -2)", "-2\n-1\n0\n1\n");
     expectRows(5, "recurse(self + lastof(iter))", "0\n0\n1\n3\n6\n");
     expectRows(5, "iter < 3 ? 0 : exec('lastof(iter*10)')", "0\n0\n0\n20\n30\n");
+    expectRows(3, "recurse(self + 0.5) << '|' << lastof(iter << '1') * 2", "\"0.5|\"\n\"1|2\"\n\"1.5|22\"\n");
 }
 
 TEST(CalcMemory, KeepOutlivesTheResetOfEachRow) {
@@ -54,7 +56,10 @@ TEST(CalcSort, OrderTiesAndDirections) {
     expectRows(4, "sort(iter % 2, -iter)", "2\n0\n3\n1\n");
     expectRows(4, "sort(iter % 2, -iter)@reverse", "3\n1\n2\n0\n");
     expectRows(4, "sort(iter % 2, iter)@reverse(0, 1)", "2\n0\n3\n1\n");
+    expectRows(4, "sort(iter % 2)@reverse(1, 1)", "3\n1\n2\n0\n");
+    expectRows(4, "sort(iter % 2)@reverse(0, nan)", "2\n0\n3\n1\n");  // NaN is not 0
     expectRows(4, "sort(iter % 2 ? 'b' : 'a')", "0\n2\n1\n3\n");
+    expectRows(5, "sort(choose(iter, 'pear', 'Apple', 'apple', '', 'pea'))", "2\n0\n1\n3\n4\n");  // by bytes
     expectRows(4, "x = sort(-iter); x + 1", "4\n3\n2\n1\n");
 }
 
@@ -86,8 +91,10 @@ TEST(CalcSort, SamplesTheMemoryCellsOfEachElement) {
 TEST(CalcControl, ConstSyncChooseConditional) {
     expectRows(3, "const(iter)", "0\n0\n0\n");
     expectRows(3, "const(iter) + iter", "0\n1\n2\n");
+    expectRows(2, "const('a' << iter) << iter", "\"a00\"\n\"a01\"\n");
     expectRows(3, "sync(iter, iter * 2)", "0\n2\n4\n");
     expectValue("choose(-1,9,1,2) << choose(1,9,1,2) << choose(2,9,1,2) << choose(nan,9,1)", "\"9299\"");
+    expectValue("choose(1.9,9,1,2) << choose(1.0e30,9,1,2) << choose(4294967297,9,1,2)", "\"299\"");
     expectRows(3, "choose(iter, 9, 'a', 'b')", "\"a\"\n\"b\"\n9\n");
     expectValue("choose(1, 9, vector(2)[5,6])", "6");
     expectValue("nan ? 1 : 2", "1");
@@ -98,7 +105,9 @@ TEST(CalcControl, ConstSyncChooseConditional) {
 TEST(CalcControl, DefinedOrNot) {
     expectValue("ifndef(nan,3) << ifdef(1,3) << ifndef('a','x') << ifndef(null,'x')", "\"33ax\"");
     expectValue("ifdef(nan,3)", "nan");
-    expectValue("isnullstr(ifdef(null,'x')) << ifdef('','x')", "\"1x\"");
+    expectValue("ifndef(null, 'dflt')", "\"dflt\"");
+    // empty is defined
+    expectValue("isnullstr(ifdef(null,'x')) << ifdef('','x') << isnullstr(ifndef('','y'))", "\"1x0\"");
 }
 
 TEST(CalcControl, OutsideSymbols) {
@@ -107,6 +116,7 @@ TEST(CalcControl, OutsideSymbols) {
     expectOut({"-n", "2", "-D", "k=7", "option('#' << iter, 5)"}, "5\n5\n");
     expectOut({"-D", "k=7", "symref('#k') + 1"}, "8\n");
     expectOut({"-D", "k=7", "symref('#' << 'k')"}, "\"7\"\n");
+    expectOut({"-D", "k=7", "n = '#k'; symref(n) + 1"}, "8\n");
     expectOut({"-D", "k=7", "isnullstr(symref('#nope'))"}, "1\n");
     expectError("symref()", "ERROR-CALC008 function unknown : \"symref\"");
 }
