@@ -13,7 +13,6 @@
 
 using treetest::errorOf;
 using treetest::text;
-using vexa::File;
 using vexa::StructAlias;
 using vexa::StructArray;
 using vexa::StructBase;
@@ -98,7 +97,6 @@ private:
 
 class Dependencies : public treetest::TreeTest {
 protected:
-    std::unique_ptr<File> file;
     WalkArray* items = nullptr;   // a field of the root, owned by it
     StructRec* item = nullptr;
     StructElem* len = nullptr;

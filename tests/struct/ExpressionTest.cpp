@@ -13,8 +13,6 @@ namespace {
 
 class Statements : public treetest::TreeTest {
 protected:
-    std::unique_ptr<File> file;
-    vexa::StructElem& field(const char* path) { return *file->getRoot().getChild(path); }
     vexa::StructRec& root() { return static_cast<vexa::StructRec&>(file->getRoot()); }
     void TearDown() override { File::removeGlobalParameter("three"); }
 };

@@ -6,18 +6,20 @@
 
 using treetest::errorOf;
 using treetest::text;
-using vexa::File;
 using vexa::StructElem;
 
 namespace {
 
 class Leaves : public treetest::TreeTest {
 protected:
-    std::unique_ptr<File> file;
-
-    StructElem& field(const char* name) { return *file->getRoot().getChild(name); }
     std::string all(const char* name) { return text(field(name).readAll(true)); }
     std::string hex(const char* name) { return text(field(name).readHex(true)); }
+    // What a typed read of the field gives, as in read<long>(name, &StructElem::readSLong).
+    template <class T>
+    T read(const char* name, T& (StructElem::*how)(T&)) {
+        T v{};
+        return (field(name).*how)(v);
+    }
 
     // s = -2, u = 65534, ul = 2147483649, ll = 256, f = 1.5, d = -pi, sc = -128, uc = 200
     void numbers() {
@@ -32,29 +34,23 @@ protected:
 
 TEST_F(Leaves, TypedReadsWidenOnly) {
     numbers();
-    unsigned long ul = 0;
-    EXPECT_EQ(field("s").readULong(ul), 0xFFFFFFFFFFFFFFFEul);
-    short s = 0;
-    EXPECT_EQ(field("u").readSShort(s), -2);
-    long l = 0;
-    EXPECT_EQ(field("ul").readSLong(l), 2147483649l);
-    double d = 0;
-    EXPECT_DOUBLE_EQ(field("ll").readDouble(d), 256.0);
-    float f = 0;
-    EXPECT_FLOAT_EQ(field("f").readFloat(f), 1.5f);
-    unsigned long long ull = 0;
-    EXPECT_EQ(field("sc").readULLong(ull), static_cast<unsigned long long>(-128));
-    EXPECT_EQ(field("uc").readSLong(l), 200);
+    EXPECT_EQ(read<unsigned long>("s", &StructElem::readULong), 0xFFFFFFFFFFFFFFFEul);
+    EXPECT_EQ(read<short>("u", &StructElem::readSShort), -2);
+    EXPECT_EQ(read<long>("ul", &StructElem::readSLong), 2147483649l);
+    EXPECT_DOUBLE_EQ(read<double>("ll", &StructElem::readDouble), 256.0);
+    EXPECT_FLOAT_EQ(read<float>("f", &StructElem::readFloat), 1.5f);
+    EXPECT_EQ(read<unsigned long long>("sc", &StructElem::readULLong), static_cast<unsigned long long>(-128));
+    EXPECT_EQ(read<long>("uc", &StructElem::readSLong), 200);
     EXPECT_EQ(field("uc").readChar(), static_cast<char>(200));
-    zun::JulianDate date;
     const struct {
         std::string error, expected;
     } refused[] = {
-        {errorOf([&] { field("ll").readFloat(f); }), "field [ll] (SLLong) cannot be read as 'Float'"},
-        {errorOf([&] { field("f").readSLong(l); }), "field [f] (Float) cannot be read as 'SLong'"},
-        {errorOf([&] { field("d").readFloat(f); }), "field [d] (Double) cannot be read as 'Float'"},
+        {errorOf([&] { read<float>("ll", &StructElem::readFloat); }), "field [ll] (SLLong) cannot be read as 'Float'"},
+        {errorOf([&] { read<long>("f", &StructElem::readSLong); }), "field [f] (Float) cannot be read as 'SLong'"},
+        {errorOf([&] { read<float>("d", &StructElem::readFloat); }), "field [d] (Double) cannot be read as 'Float'"},
         {errorOf([&] { field("s").readChar(); }), "field [s] (SShort) cannot be read as 'UChar'"},
-        {errorOf([&] { field("s").readDateTime(date); }), "field [s] (SShort) cannot be read as 'DateTime'"},
+        {errorOf([&] { read<zun::JulianDate>("s", &StructElem::readDateTime); }),
+         "field [s] (SShort) cannot be read as 'DateTime'"},
     };
     for (const auto& r : refused) EXPECT_EQ(r.error, r.expected);
 
@@ -71,30 +67,24 @@ TEST_F(Leaves, TypedReadsWidenOnly) {
 TEST_F(Leaves, UnsignedSixtyFourBitsConvertAsUnsigned) {
     dict("n", "n|||\nu|ULLong|||\n");
     file = open("n", std::string(8, '\xFF'));
-    double d = 0;
-    EXPECT_DOUBLE_EQ(field("u").readDouble(d), 18446744073709551615.0);
+    EXPECT_DOUBLE_EQ(read<double>("u", &StructElem::readDouble), 18446744073709551615.0);
 }
 
 TEST_F(Leaves, AsciiNumbersParse) {
     dict("a", "a|||\nsl|aSLong||5|\nus|aUShort||4|\nul|aULong||3|\nuc|aUChar||3|\nf|aFloat||4|\nd|aDouble||6|\n");
     file = open("a", std::string("  -1212AB   3.50.25-1e300"));
-    long l = 0;
-    EXPECT_EQ(field("sl").readSLong(l), -12);
-    unsigned short us = 0;
-    EXPECT_EQ(field("us").readUShort(us), 12);
-    unsigned long ul = 7;
-    EXPECT_EQ(field("ul").readULong(ul), 0u);
-    double d = 0;
-    EXPECT_DOUBLE_EQ(field("uc").readDouble(d), 3.5);
-    EXPECT_EQ(field("uc").readSLong(l), 3);
+    EXPECT_EQ(read<long>("sl", &StructElem::readSLong), -12);
+    EXPECT_EQ(read<unsigned short>("us", &StructElem::readUShort), 12);
+    EXPECT_EQ(read<unsigned long>("ul", &StructElem::readULong), 0u);
+    EXPECT_DOUBLE_EQ(read<double>("uc", &StructElem::readDouble), 3.5);
+    EXPECT_EQ(read<long>("uc", &StructElem::readSLong), 3);
     EXPECT_EQ(field("uc").readChar(), 3);
-    float f = 0;
-    EXPECT_FLOAT_EQ(field("f").readFloat(f), 0.25f);
-    EXPECT_DOUBLE_EQ(field("d").readDouble(d), -1e300);
-    EXPECT_EQ(errorOf([&] { field("uc").readUShort(us); }), "field [uc] (aUChar) cannot be read as 'UShort'");
-    EXPECT_EQ(errorOf([&] { field("ul").readSLong(l); }), "field [ul] (aULong) cannot be read as 'SLong'");
+    EXPECT_FLOAT_EQ(read<float>("f", &StructElem::readFloat), 0.25f);
+    EXPECT_DOUBLE_EQ(read<double>("d", &StructElem::readDouble), -1e300);
+    EXPECT_EQ(errorOf([&] { read<unsigned short>("uc", &StructElem::readUShort); }),
+              "field [uc] (aUChar) cannot be read as 'UShort'");
+    EXPECT_EQ(errorOf([&] { read<long>("ul", &StructElem::readSLong); }), "field [ul] (aULong) cannot be read as 'SLong'");
 }
-
 TEST_F(Leaves, CharactersStringsAndNull) {
     dict("s", "s|||\nz|AChar|||\nt|String||4|\nnothing|Null|||\n");
     file = open("s", std::string("\0AB\0C", 5));
@@ -113,24 +103,20 @@ TEST_F(Leaves, CharactersStringsAndNull) {
 TEST_F(Leaves, DatesAsNumbers) {
     dict("d", "d|||\nb|Date|1970||\nc|DateTime|2000||\na|aDateTime|2000|20|\n");
     file = open("d", treetest::raw("\x00\x01\x3F\xE0\x00\x00\x00\x00\x00\x00") + "02-JAN-2000 06:00:00");
-    double d = 0;
-    EXPECT_DOUBLE_EQ(field("b").readDouble(d), 1.0);
-    zun::JulianDate date;
-    EXPECT_EQ(field("c").readDateTime(date).usec, 43200000000ll);
-    EXPECT_EQ(field("a").readDateTime(date).usec, 86400000000ll + 21600000000ll);
-    // the number of days, the microseconds of the day, or all microseconds
-    const char* dates[] = {"c", "a"};
-    const long long days[] = {0, 1}, dayUsec[] = {43200000000ll, 21600000000ll}, usec[] = {43200000000ll, 108000000000ll};
-    for (int i = 0; i < 2; ++i) {
-        short s = 7;
-        unsigned long ul = 0;
-        long long ll = 0;
-        EXPECT_EQ(field(dates[i]).readSShort(s), days[i]) << dates[i];
-        EXPECT_EQ(static_cast<long long>(field(dates[i]).readULong(ul)), dayUsec[i]) << dates[i];
-        EXPECT_EQ(field(dates[i]).readSLLong(ll), usec[i]) << dates[i];
-    }
-    EXPECT_DOUBLE_EQ(field("a").readDouble(d), 1.25);
+    EXPECT_DOUBLE_EQ(read<double>("b", &StructElem::readDouble), 1.0);
+    EXPECT_DOUBLE_EQ(read<double>("a", &StructElem::readDouble), 1.25);
     EXPECT_EQ(text(field("c").getTypeStr(0)), "DateTime");
+    // all microseconds, the number of days, or the microseconds of the day
+    const struct {
+        const char* name;
+        long long usec, days, dayUsec;
+    } rows[] = {{"c", 43200000000ll, 0, 43200000000ll}, {"a", 108000000000ll, 1, 21600000000ll}};
+    for (const auto& r : rows) {
+        EXPECT_EQ(read<zun::JulianDate>(r.name, &StructElem::readDateTime).usec, r.usec) << r.name;
+        EXPECT_EQ(read<long long>(r.name, &StructElem::readSLLong), r.usec) << r.name;
+        EXPECT_EQ(read<short>(r.name, &StructElem::readSShort), r.days) << r.name;
+        EXPECT_EQ(static_cast<long long>(read<unsigned long>(r.name, &StructElem::readULong)), r.dayUsec) << r.name;
+    }
 }
 
 TEST_F(Leaves, AFailedReadLeavesTheFieldAsItWas) {

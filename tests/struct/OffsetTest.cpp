@@ -8,11 +8,7 @@ using treetest::text;
 
 namespace {
 
-class Offsets : public treetest::TreeTest {
-protected:
-    std::unique_ptr<vexa::File> file;
-    vexa::StructElem& field(const char* path) { return *file->getRoot().getChild(path); }
-};
+class Offsets : public treetest::TreeTest {};
 
 }  // namespace
 

@@ -14,8 +14,6 @@ namespace {
 
 class Paths : public treetest::TreeTest {
 protected:
-    std::unique_ptr<vexa::File> file;
-
     void SetUp() override {
         dict("leaf", "leaf|||\nx|UChar|||\ny|UShort|||\n");
         dict("mid", "mid|||\nk|UChar|||\ninner|@leaf|||\n");
@@ -23,7 +21,6 @@ protected:
         file = open("r", treetest::raw("\x01\x02\x03\x00\x04\x05"));
     }
     StructElem& root() { return file->getRoot(); }
-    StructElem& field(const char* path) { return *root().getChild(path); }
 
     // "path@up" of what text refers to from the field from.
     std::string ref(const char* from, const char* refText, bool self) {

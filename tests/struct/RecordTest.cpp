@@ -12,11 +12,7 @@ using vexa::StructElem;
 
 namespace {
 
-class Records : public treetest::TreeTest {
-protected:
-    std::unique_ptr<vexa::File> file;
-    StructElem& field(const char* path) { return *file->getRoot().getChild(path); }
-};
+class Records : public treetest::TreeTest {};
 
 }  // namespace
 

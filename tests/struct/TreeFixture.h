@@ -72,6 +72,10 @@ class TreeTest : public ::testing::Test {
 protected:
     TempFolder dir;
     UnsetEnv dictionaryPath{"VEXA_DICTIONARY_PATH"};
+    std::unique_ptr<vexa::File> file;
+
+    // The element at path below the root of file.
+    vexa::StructElem& field(const char* path) { return *file->getRoot().getChild(path); }
 
     // Writes a dictionary file "<name>.dd" from its lines.
     void dict(const std::string& name, const std::string& lines) { dir.write(name + ".dd", lines); }
