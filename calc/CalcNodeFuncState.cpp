@@ -154,45 +154,45 @@ String CalcNodeFuncSync::valStr() {
 
 // ---- option ----
 
-CalcNodeFuncOption::CalcNodeFuncOption(const char* name, ObjAppendListP<CalcNode>* args,
+CalcNodeFuncSymbol::CalcNodeFuncSymbol(const char* name, ObjAppendListP<CalcNode>* args, int min, int max,
                                        CalcBinderListT<CalcBinder>* binders)
-    : CalcNodeFunc(name, args, 2, 2), binders(binders) {
+    : CalcNodeFunc(name, args, min, max), binders(binders) {
     if (binders) hold = new CalcNodeParserHold();
 }
 
-CalcNodeFuncOption::~CalcNodeFuncOption() { delete hold; }
+CalcNodeFuncSymbol::~CalcNodeFuncSymbol() { delete hold; }
 
-int CalcNodeFuncOption::listNodes(std::list<CalcNode*>& out, Type type) {
+int CalcNodeFuncSymbol::listNodes(std::list<CalcNode*>& out, Type type) {
     int n = CalcNodeFunc::listNodes(out, type);
     if (hold) n += hold->listNodes(out, type);
     return n;
 }
 
-CalcNode* CalcNodeFuncOption::lookup() {
+CalcNode* CalcNodeFuncSymbol::bindName() {
     if (!binders) return nullptr;
-    String name = arg(0)->valStr();
-    return binders->bindSymbol(name.str());
+    String symbol = arg(0)->valStr();
+    return binders->bindSymbol(symbol.str());
 }
 
 int CalcNodeFuncOption::constLevel() {
     int nameLevel = arg(0)->constLevel();
     if (nameLevel >= 0) return minLevel(minLevel(nameLevel, 0), arg(1)->constLevel());
-    std::unique_ptr<CalcNode> found(lookup());
+    std::unique_ptr<CalcNode> found(bindName());
     return found ? found->constLevel() : arg(1)->constLevel();
 }
 
 double CalcNodeFuncOption::valNum() {
-    std::unique_ptr<CalcNode> found(lookup());
+    std::unique_ptr<CalcNode> found(bindName());
     return found ? found->valNum() : arg(1)->valNum();
 }
 
 String CalcNodeFuncOption::valStr() {
-    std::unique_ptr<CalcNode> found(lookup());
+    std::unique_ptr<CalcNode> found(bindName());
     return found ? found->valStr() : arg(1)->valStr();
 }
 
 RawBuffer& CalcNodeFuncOption::valRaw(RawBuffer& buffer) {
-    std::unique_ptr<CalcNode> found(lookup());
+    std::unique_ptr<CalcNode> found(bindName());
     return found ? found->valRaw(buffer) : arg(1)->valRaw(buffer);
 }
 
@@ -202,7 +202,7 @@ CalcNode* CalcNodeFuncOption::reduce() {
         reduceInPlace(args->data[0]);
         return nullptr;
     }
-    CalcNode* answer = lookup();
+    CalcNode* answer = bindName();
     if (!answer) answer = args->take(1);
     if (CalcNode* reduced = answer->reduce()) {
         delete answer;
@@ -215,28 +215,13 @@ CalcNode* CalcNodeFuncOption::reduce() {
 
 CalcNodeFuncSymRef::CalcNodeFuncSymRef(const char* name, ObjAppendListP<CalcNode>* args,
                                        CalcBinderListT<CalcBinder>* binders)
-    : CalcNodeFunc(name, args, 1, 1000000), binders(binders), text(name) {
+    : CalcNodeFuncSymbol(name, args, 1, 1000000, binders), text(name) {
     text += "(";
     for (long i = 0; i < numArgs(); ++i) {
         if (i > 0) text += ",";
         text += arg(i)->constLevel() < 0 ? arg(i)->valInit() : arg(i)->name;
     }
     text += ")";
-    if (binders) hold = new CalcNodeParserHold();
-}
-
-CalcNodeFuncSymRef::~CalcNodeFuncSymRef() { delete hold; }
-
-int CalcNodeFuncSymRef::listNodes(std::list<CalcNode*>& out, Type type) {
-    int n = CalcNodeFunc::listNodes(out, type);
-    if (hold) n += hold->listNodes(out, type);
-    return n;
-}
-
-CalcNode* CalcNodeFuncSymRef::getRef() {
-    if (!binders) return nullptr;
-    String symbol = arg(0)->valStr();
-    return binders->bindSymbol(symbol.str());
 }
 
 int CalcNodeFuncSymRef::constLevel() {

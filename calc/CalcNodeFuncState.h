@@ -101,14 +101,33 @@ public:
     CalcNodeParserHold() : CalcNodeMem("parser hold", new CalcNodeNull()) {}
 };
 
+// Base of option and symref: a function that reads the outside symbol named
+// by the text of argument 0, through the parser's binders.
+class CalcNodeFuncSymbol : public CalcNodeFunc {
+public:
+    CalcBinderListT<CalcBinder>* binders;  // the parser's binder list, not owned; may be null
+
+    CalcNodeFuncSymbol(const char* name, ObjAppendListP<CalcNode>* args, int min, int max,
+                       CalcBinderListT<CalcBinder>* binders);
+    ~CalcNodeFuncSymbol() override;
+    int listNodes(std::list<CalcNode*>& out, Type type) override;
+    using CalcNodeFunc::listNodes;
+
+protected:
+    // A new node for the symbol named by argument 0, owned by the caller;
+    // null when no binder knows it.
+    CalcNode* bindName();
+
+private:
+    CalcNodeParserHold* hold = nullptr;  // owned
+};
+
 // option(name, default): the outside symbol called by the text of argument 0,
 // or argument 1 when no binder knows it.
-class CalcNodeFuncOption : public CalcNodeFunc {
+class CalcNodeFuncOption : public CalcNodeFuncSymbol {
 public:
-    CalcBinderListT<CalcBinder>* binders;  // the parser's binder list, not owned
-
-    CalcNodeFuncOption(const char* name, ObjAppendListP<CalcNode>* args, CalcBinderListT<CalcBinder>* binders);
-    ~CalcNodeFuncOption() override;
+    CalcNodeFuncOption(const char* name, ObjAppendListP<CalcNode>* args, CalcBinderListT<CalcBinder>* binders)
+        : CalcNodeFuncSymbol(name, args, 2, 2, binders) {}
     int valType() override { return arg(1)->valType(); }
     // That of what is read: the symbol or the default; unknown (0) while the
     // name varies.
@@ -120,25 +139,17 @@ public:
     // A constant name is looked up once, and the answer (or the default)
     // replaces the node.
     CalcNode* reduce() override;
-    int listNodes(std::list<CalcNode*>& out, Type type) override;
-    using CalcNodeFunc::listNodes;
-
-private:
-    CalcNodeParserHold* hold = nullptr;  // owned
-    CalcNode* lookup();  // a new node, or null
 };
 
 // symref(name): the outside symbol called by the text of argument 0, looked up
 // afresh at each read.
-class CalcNodeFuncSymRef : public CalcNodeFunc {
+class CalcNodeFuncSymRef : public CalcNodeFuncSymbol {
 public:
-    CalcBinderListT<CalcBinder>* binders;  // the parser's binder list, not owned; may be null
-    String text;                           // the call as written, for messages
+    String text;  // the call as written, for messages
 
     CalcNodeFuncSymRef(const char* name, ObjAppendListP<CalcNode>* args, CalcBinderListT<CalcBinder>* binders);
-    ~CalcNodeFuncSymRef() override;
     // A new reference to the symbol, owned by the caller; null if unknown.
-    CalcNode* getRef();
+    CalcNode* getRef() { return bindName(); }
     int valType() override;
     // That of the symbol; unknown (0) while the name varies.
     int constLevel() override;
@@ -148,11 +159,6 @@ public:
     using CalcNode::valRaw;
     // A constant name is bound once, and the reference replaces the node.
     CalcNode* reduce() override;
-    int listNodes(std::list<CalcNode*>& out, Type type) override;
-    using CalcNodeFunc::listNodes;
-
-private:
-    CalcNodeParserHold* hold = nullptr;  // owned
 };
 
 // exec(text): compiles the text of argument 0, taken when the node is built,
