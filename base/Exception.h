@@ -10,7 +10,6 @@
 namespace zun {
 
 class ExceptionRecord;
-class CalcParser;
 
 // Base of all errors; thrown by value, caught by reference.
 class Exception {
@@ -43,8 +42,6 @@ public:
 
     // One line on err_out, the chained causes first.
     void log(const char* prefix, const char* suffix = nullptr) const;
-    // One step of a format statement's log; defined with the expression language.
-    void log(CalcParser& format, int seq) const;
     // The default form, whatever log_fmt holds.
     void logDefault(const char* prefix, const char* suffix = nullptr) const;
 };

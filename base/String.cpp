@@ -383,6 +383,18 @@ String& String::quote(char c) {
     return *this;
 }
 
+String quoted(const char* text, char mark) {
+    String s(text ? text : "");
+    s.quote(mark);
+    return s;
+}
+
+String quoted(const String& text, char mark) {
+    String s(text);
+    s.quote(mark);
+    return s;
+}
+
 String& String::escape(bool controls) {
     if (!text) return *this;
     int total = 0;

@@ -99,6 +99,9 @@ private:
 };
 
 String operator+(const char* a, const String& b);
+// A copy of text between marks, as quote(mark) writes them; null counts as empty.
+String quoted(const char* text, char mark = '"');
+String quoted(const String& text, char mark = '"');
 std::ostream& operator<<(std::ostream& out, const String& s);
 
 }  // namespace zun

@@ -4,13 +4,6 @@ namespace zun {
 
 namespace {
 
-String quoted(const char* text) {
-    String s("\"");
-    s += text ? text : "";
-    s += '"';
-    return s;
-}
-
 String argsMessage(const char* function, const char* bound, long n) {
     String s("Function ");
     s += quoted(function);

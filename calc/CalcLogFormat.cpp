@@ -27,6 +27,9 @@ CalcBinderData* findDataBinder(CalcBinder* binder, const char* prefix) {
     return nullptr;
 }
 
+// Writes the chain of e by format, the deepest cause first; seq is e's place.
+void logByFormat(const Exception& e, CalcParser& format, int seq);
+
 void writeLine(const String& line) {
     std::ostream& out = *Exception::err_out;
     if (line.text) out.write(line.text, line.length);
@@ -61,7 +64,7 @@ void formatLog(const Exception& e, const char* prefix, const char* suffix) {
     try {
         try {
             CalcParser format(Exception::log_fmt.str(), names, false);
-            e.log(format, 0);
+            logByFormat(e, format, 0);
         } catch (String& bare) {
             throw CalcError(bare.str());
         }
@@ -75,14 +78,16 @@ void formatLog(const Exception& e, const char* prefix, const char* suffix) {
     }
 }
 
-void Exception::log(CalcParser& format, int seq) const {
-    if (chained) chained->log(format, seq + 1);
+namespace {
+
+void logByFormat(const Exception& e, CalcParser& format, int seq) {
+    if (e.chained) logByFormat(*e.chained, format, seq + 1);
 
     CalcBinder& binders = format.binders;
     CalcBinderData* err = findDataBinder(&binders, "err");
     CalcBinderData* errSeq = findDataBinder(&binders, "err.seq");
     int seqValue = seq;
-    if (err) err->setObject(this);
+    if (err) err->setObject(&e);
     if (errSeq) errSeq->setObject(&seqValue);
 
     struct Unbind {
@@ -97,5 +102,7 @@ void Exception::log(CalcParser& format, int seq) const {
     format.reset();
     writeLine(format.valStr());
 }
+
+}  // namespace
 
 }  // namespace zun

@@ -345,8 +345,7 @@ void CalcNodeFuncKeep::foldIntoCell(CalcParser& parser, const char* numFunction,
         // Not expected: the function families always know these names.
         mem->node = list->take(1);
         delete list;
-        String quoted(function);
-        throw CalcErrorFunctionUnknown(quoted.quote('"').str());
+        throw CalcErrorFunctionUnknown(quoted(function).str());
     }
     mem->node = extremum;
 }

@@ -20,13 +20,6 @@ using NodePtr = std::unique_ptr<CalcNode>;
 using ArgsPtr = std::unique_ptr<Args>;
 using StringPtr = std::unique_ptr<String>;
 
-String quoted(const char* text) {
-    String s("\"");
-    s += text ? text : "";
-    s += '"';
-    return s;
-}
-
 String argumentRefused(long i) {
     String s("Argument ");
     s << (i + 1);

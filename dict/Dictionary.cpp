@@ -15,6 +15,7 @@
 
 using zun::ObjAppendList;
 using zun::String;
+using zun::quoted;
 
 namespace vexa {
 
@@ -37,12 +38,6 @@ void prepareSlots(ObjAppendList<String>& columns, int count, std::initializer_li
     columns.flush(false);
     for (int i = 0; i < count; ++i) columns << String("");
     for (int i : marked) columns[i] = "%";
-}
-
-String quoted(const String& text) {
-    String q(text.str());
-    q.quote('"');
-    return q;
 }
 
 }  // namespace

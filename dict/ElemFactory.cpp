@@ -12,6 +12,7 @@
 #include "struct/StructString.h"
 
 using zun::String;
+using zun::quoted;
 
 namespace vexa {
 
@@ -23,12 +24,6 @@ ElemType elemType(const char* word) {
 }
 
 namespace {
-
-String quoted(const String& text) {
-    String q(text.str());
-    q.quote('"');
-    return q;
-}
 
 String badSize(const char* kind, const String& size) {
     return String("invalid size for ") + kind + " field '" + size.str() + "'";

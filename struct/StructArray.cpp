@@ -21,18 +21,11 @@ StructArray::StructArray(StructElem* prev, StructElem* parent, const char* name,
 
 StructArray::~StructArray() {
     delete dimRef;
-    if (StructBase* root = getBase()) root->removeDep(dim);
 }
 
 void StructArray::linkBack(long slot) {
     if (slot < 0) return;
     for (StructArray* a = this; a; a = a->getParentArray(0)) a->depLinks << slot;
-}
-
-void StructArray::registerDep(StructArray* array, long& slot) {
-    if (!array) return;
-    long index = array->getBase()->allocDep(slot);
-    array->linkBack(index);
 }
 
 void StructArray::invalidate() {

@@ -41,7 +41,7 @@ public:
 
 class StructArray : public StructArrayBase {
 public:
-    long dim = -1;                       // element count, or -1 unknown, -2 computing, -3 unbound
+    DepCell dim;                         // element count, or -1 unknown, -2 computing, -3 unbound
     zun::String dimText;                 // dimension statement; null for a plain integer
     zun::CalcNode* dimRef = nullptr;     // parsed dimText; owned
     zun::ObjAppendList<long> depLinks;   // indices into the root's depSlots
@@ -51,9 +51,6 @@ public:
     // Appends slot to depLinks of this array and of every array above it;
     // nothing for a negative slot.
     void linkBack(long slot);
-    // Registers a cached cell with array and all arrays above it; nothing
-    // for a null array.
-    static void registerDep(StructArray* array, long& slot);
 
 protected:
     StructArray(StructElem* prev, StructElem* parent, const char* name, const char* unit, const char* sizeText);

@@ -20,7 +20,6 @@ StructBase::StructBase(const char* dictionary, zun::InputStream* stream) : Struc
     } catch (...) {
         // The bases' destructors run after this object's members are gone:
         // the fields must go while the slots and the stream are still here.
-        tearingDown = true;
         clearFields();
         delete input;
         input = nullptr;
@@ -29,27 +28,24 @@ StructBase::StructBase(const char* dictionary, zun::InputStream* stream) : Struc
 }
 
 StructBase::~StructBase() {
-    // The whole tree goes: nobody will look at the slots again.
-    tearingDown = true;
+    // The fields go while the slots and the stream are still here.
     clearFields();
     delete input;
 }
 
-long StructBase::allocDep(long& slot) {
-    for (long i = depSlots.count - 1; i >= 0; --i)
-        if (depSlots.data[i] == &slot) return -1;
-    depSlots << &slot;
-    return depSlots.count - 1;
+long StructBase::allocDep(DepCell& cell) {
+    if (cell.root) return -1;
+    depSlots << &cell.value;
+    cell.root = this;
+    cell.slot = depSlots.count - 1;
+    return cell.slot;
 }
 
-void StructBase::removeDep(long& slot) {
-    if (tearingDown) return;
-    for (long i = 0; i < depSlots.count; ++i) {
-        if (depSlots.data[i] == &slot) {
-            depSlots.data[i] = nullptr;
-            return;
-        }
-    }
+void StructBase::removeDep(DepCell& cell) {
+    if (cell.root != this) return;
+    depSlots.data[cell.slot] = nullptr;
+    cell.root = nullptr;
+    cell.slot = -1;
 }
 
 CalcBinderNodeList& StructBase::globalParameters() {

@@ -6,6 +6,7 @@
 
 #include "base/ObjAppendList.h"
 #include "calc/CalcBinder.h"
+#include "struct/DepCell.h"
 #include "struct/StructRec.h"
 
 namespace zun {
@@ -25,12 +26,12 @@ public:
     StructBase(const char* dictionary, zun::InputStream* input);
     ~StructBase() override;
 
-    // Gives slot an entry in depSlots and returns its index; -1 when the slot
+    // Gives cell an entry in depSlots and returns its index; -1 when the cell
     // is registered already.
-    long allocDep(long& slot);
-    // Nulls the entry of slot; the list keeps its length so that indices held
-    // by arrays stay valid.
-    void removeDep(long& slot);
+    long allocDep(DepCell& cell);
+    // Nulls the entry of cell; the list keeps its length so that indices held
+    // by arrays stay valid. Nothing for a cell that isn't registered here.
+    void removeDep(DepCell& cell);
 
     // The parameters of every file, there before any file.
     static zun::CalcBinderNodeList& globalParameters();
@@ -46,9 +47,6 @@ public:
 
     // "filename", "dirname", "pathname", "filesize" and "fifo" of the stream.
     void initParameters();
-
-private:
-    bool tearingDown = false;
 };
 
 }  // namespace vexa

@@ -42,11 +42,8 @@ StructElem::StructElem(StructElem* prev, StructElem* parent, const char* name, c
     : elemName(name ? name : ""), size(size), unit(unit), prev(prev), parent(parent) {}
 
 StructElem::~StructElem() {
-    if (!parent) return;
-    if (StructBase* root = getBase()) {
-        root->removeDep(size);
-        root->removeDep(offset);
-    }
+    size.release();
+    offset.release();
 }
 
 const String& StructElem::getDictionaryPath() const {
@@ -166,7 +163,7 @@ StructArray* StructElem::getOffsetDep() {
     offsetDep = innerDep(o, s);
     if (!offsetDep) return nullptr;
     if (offsetDep->getStructLevel() >= getStructLevel()) offsetDep = nearest;
-    StructArray::registerDep(offsetDep, offset);
+    offset.registerWith(offsetDep);
     return offsetDep;
 }
 

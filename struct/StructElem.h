@@ -15,6 +15,7 @@
 #include "base/ObjAppendList.h"
 #include "base/RawBuffer.h"
 #include "base/String.h"
+#include "struct/DepCell.h"
 
 namespace zun {
 class InputStream;
@@ -73,8 +74,8 @@ ElemType elemType(const char* word);
 class StructElem {
 public:
     zun::String elemName;           // field name; empty on the root
-    long offset = -1;               // from the parent's position; -1 unknown
-    long size;                      // bytes; -1 unknown
+    DepCell offset;                 // from the parent's position; -1 unknown
+    DepCell size;                   // bytes; -1 unknown
     zun::String unit;
     StructElem* prev;               // previous sibling, not owned
     StructElem* parent;             // enclosing element, not owned; null on the root

@@ -1,7 +1,5 @@
 #include "struct/StructOffset.h"
 
-#include "calc/CalcNode.h"
-#include "calc/CalcParser.h"
 #include "struct/Error.h"
 #include "struct/StructArray.h"
 
@@ -44,21 +42,17 @@ long StructOffsetAlign::getSize() {
 // ---------------------------------------------------------------------------
 
 StructOffsetRef::StructOffsetRef(StructElem* prev, StructElem* parent, const char* name, const char* text)
-    : StructElem(prev, parent, name, "bytes", 0), offsetText(text) {}
-
-StructOffsetRef::~StructOffsetRef() {
-    delete offsetRef;
-}
+    : StructElem(prev, parent, name, "bytes", 0), offsetText(text), offsetRef(text, *this, Calc::Offset) {}
 
 String StructOffsetRef::getTypeStr(int) { return String("Offset"); }
 
 long StructOffsetRef::getOffset() {
     if (offset >= 0) return offset;
-    if (!offsetRef) {
+    if (!offsetRef.node) {
         getOffsetDep();
         if (offset >= 0) return offset;
     }
-    long long value = offsetRef->valInt();
+    long long value = offsetRef.valInt();
     if (value < 0) {
         String text("offset reference \"");
         text += offsetText;
@@ -73,19 +67,8 @@ long StructOffsetRef::getOffset() {
 }
 
 StructArray* StructOffsetRef::getOffsetDep() {
-    if (offsetDepKnown && offsetRef) return offsetDep;
-    if (!offsetRef) {
-        zun::CalcNode* node = new zun::CalcParser(offsetText.str(), getCalcBinder(nullptr, nullptr), false);
-        try {
-            zun::CalcNode::reduceInPlace(node);
-        } catch (...) {
-            delete node;
-            throw;
-        }
-        offsetRef = node;
-        offsetDep = getParentArray(offsetRef->constLevel());
-        StructArray::registerDep(offsetDep, offset);
-    }
+    if (offsetDepKnown && offsetRef.node) return offsetDep;
+    if (!offsetRef.node) offsetDep = offsetRef.registerCell(offset);
     offsetDepKnown = true;
     getOffset();
     return offsetDep;

@@ -5,11 +5,10 @@
 // record's `markers` list, not among its fields, and no name finds them.
 #pragma once
 
-#include "struct/StructElem.h"
+#include <memory>
 
-namespace zun {
-class CalcNode;
-}
+#include "dict/Calc.h"
+#include "struct/StructElem.h"
 
 namespace vexa {
 
@@ -51,10 +50,9 @@ public:
 class StructOffsetRef : public StructElem {
 public:
     zun::String offsetText;
-    zun::CalcNode* offsetRef = nullptr;   // parsed on first use; owned
+    Calc offsetRef;   // the statement of offsetText, parsed on first use
 
     StructOffsetRef(StructElem* prev, StructElem* parent, const char* name, const char* text);
-    ~StructOffsetRef() override;
 
     ElemType getType() override { return TypeOffset; }
     zun::String getTypeStr(int level) override;

@@ -27,42 +27,30 @@ StructRefSize::StructRefSize(StructElem* prev, StructElem* parent, const char* n
     }
 }
 
-StructRefSize::~StructRefSize() {
-    delete sizeRef;
+zun::CalcNode* StructRefSize::getSizeRef() {
+    if (!sizeRef) {
+        const char* text = sizeText.str();
+        StructElem* bound = sizeBinding(text);
+        sizeRef.reset(new Calc(text, *this, Calc::Size, bound));
+    }
+    return sizeRef->getCalcNode();
 }
 
-zun::CalcNode* StructRefSize::getSizeRef() {
-    if (sizeRef) return sizeRef;
-    const char* text = sizeText.str();
-    StructElem* bound = this;
-    if (getType() == TypeRecord && sizeText.cmp("+ ", 2) == 0) {
-        text += 2;
-        bound = &(*this)[0];
+void StructRefSize::setSizeText(const String& text) {
+    if (text.isInteger()) {
+        size = text.toLong();
+        sizeText.setNull();
+    } else {
+        size = -1;
+        sizeText = text;
     }
-    zun::CalcNode* node = nullptr;
-    try {
-        node = new zun::CalcParser(text, bound->getCalcBinder(nullptr, nullptr), false);
-    } catch (zun::Exception& e) {
-        String what("invalid size statement for field \"");
-        what += getPathName();
-        what += '"';
-        ErrorDictionary error(getDictionaryPath().str(), what.str());
-        error.chain(e);
-        throw error;
-    }
-    try {
-        zun::CalcNode::reduceInPlace(node);
-    } catch (...) {
-        delete node;
-        throw;
-    }
-    sizeRef = node;
-    return sizeRef;
+    sizeRef.reset();
 }
 
 void StructRefSize::setSize() {
     if (sizeText.length == 0) return;
-    long long value = getSizeRef()->valInt();
+    getSizeRef();
+    long long value = sizeRef->valInt();
     size = static_cast<long>(value);
     if (size < 0) {
         String text("size reference \"");
@@ -81,10 +69,9 @@ StructArray* StructRefSize::getSizeDep() {
         sizeDepKnown = true;
         return nullptr;
     }
-    int level = getSizeRef()->constLevel();
+    getSizeRef();
+    sizeDep = sizeRef->registerCell(size);
     sizeDepKnown = true;
-    sizeDep = getParentArray(level);
-    StructArray::registerDep(sizeDep, size);
     return sizeDep;
 }
 
@@ -161,6 +148,12 @@ const String& StructRec::getUnit() {
 long StructRec::numElems() {
     init();
     return fields.count;
+}
+
+StructElem* StructRec::sizeBinding(const char*& text) {
+    if (sizeText.cmp("+ ", 2) != 0) return this;
+    text += 2;
+    return &(*this)[0];
 }
 
 StructElem* StructRec::getField(long i) {
@@ -341,7 +334,7 @@ StructArray* StructRec::getSizeDep() {
             StructArray* s = last->getSizeDep();
             StructArray* o = last->getOffsetDep();
             sizeDep = innerDep(o, s);
-            StructArray::registerDep(sizeDep, size);
+            size.registerWith(sizeDep);
         }
     } else {
         return StructRefSize::getSizeDep();
@@ -387,14 +380,8 @@ void StructRec::initDictionary(const char* dictionary) {
                 String text = elemName + " invalid negative size '" + d.recordSize + "'";
                 throw ErrorDictionary(dictionaryPath.str(), text.str());
             }
-            size = value;
-            sizeText.setNull();
-        } else {
-            size = -1;
-            sizeText = d.recordSize;
         }
-        delete sizeRef;
-        sizeRef = nullptr;
+        setSizeText(d.recordSize);
     }
 }
 

@@ -7,31 +7,38 @@
 // ordinary record and, through StructBase, the root of every tree.
 #pragma once
 
+#include <memory>
+
 #include "base/ObjAppendList.h"
 #include "base/String.h"
+#include "dict/Calc.h"
 #include "struct/StructElem.h"
-
-namespace zun {
-class CalcNode;
-}
 
 namespace vexa {
 
 class StructRefSize : public StructElem {
 public:
     zun::String sizeText;                // the size expression; null for a plain integer
-    zun::CalcNode* sizeRef = nullptr;    // parsed on first use; owned
+    std::unique_ptr<Calc> sizeRef;       // the statement of sizeText, made on first use
     StructArray* sizeDep = nullptr;      // array that moves the size; not owned
     bool sizeDepKnown = false;
 
     // An integer size text sets the size; a negative one throws a zun::String.
     StructRefSize(StructElem* prev, StructElem* parent, const char* name, const char* unit, const char* sizeText);
-    ~StructRefSize() override;
 
     void setSize() override;
     StructArray* getSizeDep() override;
     // The parsed size expression, made on first call.
     zun::CalcNode* getSizeRef();
+
+protected:
+    // Where the names of the size statement are looked up from, and the text
+    // to parse: the element itself and the whole text, unless a class says
+    // otherwise.
+    virtual StructElem* sizeBinding(const char*& text) { return this; }
+    // Replaces the size text (a dictionary header's size word); the parsed
+    // statement is dropped.
+    void setSizeText(const zun::String& text);
 };
 
 class StructTree : public StructRefSize {
@@ -95,6 +102,8 @@ public:
     StructElem* getField(const char* name) override;
 
     StructElem* getField(long i);
+    // A size text "+ expression" looks its names up from the first field.
+    StructElem* sizeBinding(const char*& text) override;
     // Opens the dictionary and takes its header: path, record type, byte
     // order (root only) and size word.
     void initDictionary(const char* dictionary);

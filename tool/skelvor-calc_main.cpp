@@ -14,6 +14,7 @@
 namespace {
 
 using zun::String;
+using zun::quoted;
 
 // The rows of -n: what "iter" counts, as the index of an innermost array.
 // It is the only iterator of the program: without -n, or for any level but
@@ -63,13 +64,6 @@ const char* const usageLines[] = {
 void usage() {
     for (const char* line : usageLines) std::cerr << line << '\n';
     std::cerr.flush();
-}
-
-String quoted(const char* text) {
-    String s("\"");
-    s += text;
-    s += '"';
-    return s;
 }
 
 long rowCount(const char* text) {

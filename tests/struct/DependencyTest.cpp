@@ -32,7 +32,7 @@ public:
     // Takes the element over; its offset moves with the arrays around this one.
     void setElement(StructElem* e) {
         element = e;
-        registerDep(getParentArray(0), element->offset);
+        element->offset.registerWith(getParentArray(0));
     }
     long numElems() override { return dim; }
     String getTypeStr(int level) override { return String("(walk)"); }
@@ -85,7 +85,7 @@ public:
         if (!known) {
             known = true;
             dep = getParentArray(0);
-            StructArray::registerDep(dep, size);
+            size.registerWith(dep);
         }
         return dep;
     }
@@ -125,12 +125,15 @@ protected:
         items->setElement(item);
     }
 
-    long slotIndex(long& slot) {
+    long slotIndex(vexa::DepCell& cell) {
         for (long i = 0; i < root().depSlots.count; ++i)
-            if (root().depSlots[i] == &slot) return i;
+            if (root().depSlots[i] == &cell.value) {
+                EXPECT_EQ(cell.slotIndex(), i);
+                return i;
+            }
         return -1;
     }
-    bool registered(long& slot) { return slotIndex(slot) >= 0; }
+    bool registered(vexa::DepCell& cell) { return slotIndex(cell) >= 0; }
     static bool linked(StructArray& a, long index) {
         for (long i = 0; i < a.depLinks.count; ++i)
             if (a.depLinks[i] == index) return true;
@@ -188,7 +191,8 @@ TEST_F(Dependencies, SlotsAreTakenOnceAndGoWithTheirElement) {
     EXPECT_EQ(items->depLinks.count, links + 1);
     EXPECT_EQ(root().allocDep(flag->offset), -1);
     // a removed slot stays linked and is skipped
-    long spare = 5, spareIndex = root().allocDep(spare);
+    vexa::DepCell spare(5);
+    long spareIndex = root().allocDep(spare);
     items->linkBack(spareIndex);
     root().removeDep(spare);
     EXPECT_EQ(root().depSlots[spareIndex], nullptr);
@@ -196,9 +200,17 @@ TEST_F(Dependencies, SlotsAreTakenOnceAndGoWithTheirElement) {
     (*items)[1];
     EXPECT_EQ(spare, 5);
     EXPECT_EQ(flag->offset, -1);
-    EXPECT_EQ(root().depSlots[index], &flag->offset);
-    long missing = 0;
+    EXPECT_EQ(root().depSlots[index], &flag->offset.value);
+    vexa::DepCell missing(0);
     root().removeDep(missing);  // not registered: no error
+    {
+        // a cell that goes takes its slot along
+        vexa::DepCell scoped;
+        scoped.registerWith(items);
+        EXPECT_TRUE(scoped.isRegistered());
+        spareIndex = scoped.slotIndex();
+    }
+    EXPECT_EQ(root().depSlots[spareIndex], nullptr);
     items->linkBack(-1);        // a negative slot adds nothing
     EXPECT_FALSE(linked(*items, -1));
     // a deleted element takes its slots along
