@@ -45,7 +45,7 @@ StructAlias::StructAlias(StructElem& e, int depth) : target(&e) {
     }
     StructElem* p = e.parent;
     while (p && steps > 0) {
-        if (p->getType() == TypeUnion) {
+        if (p->isSeenThrough()) {
             if (!p->isFixedType(0) && level > 1)
                 throw ErrorAliasInvalid(e.getPathName(level).str(), variableStructure(p).str());
         } else {
@@ -73,7 +73,7 @@ void StructAlias::setChild(const char* path) {
     String head;
     int used = path ? Dictionary::getStructField(path, head) : 0;
     if (!path) head = "";
-    if (!head.isEmpty() && target->getType() == TypeUnion && !target->isFixedType(0)) {
+    if (!head.isEmpty() && target->isSeenThrough() && !target->isFixedType(0)) {
         StructElem* first = arrays.count > 0 ? arrays.data[0] : target;
         if (first->getParentArray(0)) {
             String where = target->getPathName(level);
@@ -106,7 +106,7 @@ StructAlias StructAlias::getParent() const {
     if (!target->parent) throw ErrorNoParent();
     StructAlias copy(*this);
     copy.target = target->parent;
-    if (copy.target->getType() != TypeUnion) --copy.level;
+    if (!copy.target->isSeenThrough()) --copy.level;
     if (copy.arrays.count > 0 && copy.target->isAnArray()) {
         copy.arrays.del(1);
         copy.indices.del(1);
@@ -153,8 +153,8 @@ long& StructAlias::readRef(long& value) const {
 long StructAlias::childList(const char* pattern, bool expand, zun::ObjAppendListP<StructAlias>& out) const {
     StructElem* e = resolve();
     if (!pattern || !*pattern) {
-        if (expand && e->getType() == TypeRecord) return childList("*", true, out);
-        if (expand && e->getType() == TypeUnion && e->getChild(nullptr)->getType() == TypeRecord)
+        if (expand && e->explodes()) return childList("*", true, out);
+        if (expand && e->isSeenThrough() && e->getChild(nullptr)->explodes())
             return getChild(nullptr).childList("*", true, out);
         out << new StructAlias(*this);
         return 1;
@@ -163,7 +163,7 @@ long StructAlias::childList(const char* pattern, bool expand, zun::ObjAppendList
     int used = Dictionary::getStructField(pattern, head);
     const char* rest = pattern + used;
     long before = out.count;
-    if (e->getType() == TypeUnion || e->isAnArray() || head[0] == '#') {
+    if (e->isSeenThrough() || e->isAnArray() || head[0] == '#') {
         getChild(head.str()).childList(rest, expand, out);
         return out.count - before;
     }

@@ -30,7 +30,7 @@ public:
     ~StructArrayBase() override;
 
     bool isAnArray() const override { return true; }
-    ElemType getType() override { return TypeArray; }
+    ElemType getType() const override { return TypeArray; }
     long numElems() override = 0;
     zun::String getTypeStr(int level) override = 0;
     // Moves to element i.

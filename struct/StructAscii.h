@@ -26,7 +26,7 @@ protected:
 class StructAUChar : public StructAsciiNum {
 public:
     using StructAsciiNum::StructAsciiNum;
-    ElemType getType() override { return TypeAUChar; }
+    ElemType getType() const override { return TypeAUChar; }
     zun::String getTypeStr(int level) override;
     short& readSShort(short& v) override { return parse(v); }
     long& readSLong(long& v) override { return parse(v); }
@@ -43,14 +43,14 @@ public:
 class StructASChar : public StructAUChar {
 public:
     using StructAUChar::StructAUChar;
-    ElemType getType() override { return TypeASChar; }
+    ElemType getType() const override { return TypeASChar; }
     zun::String getTypeStr(int level) override;
 };
 
 class StructAUShort : public StructAsciiNum {
 public:
     using StructAsciiNum::StructAsciiNum;
-    ElemType getType() override { return TypeAUShort; }
+    ElemType getType() const override { return TypeAUShort; }
     zun::String getTypeStr(int level) override;
     unsigned short& readUShort(unsigned short& v) override { return parse(v); }
     long& readSLong(long& v) override { return parse(v); }
@@ -65,7 +65,7 @@ public:
 class StructASShort : public StructAsciiNum {
 public:
     using StructAsciiNum::StructAsciiNum;
-    ElemType getType() override { return TypeASShort; }
+    ElemType getType() const override { return TypeASShort; }
     zun::String getTypeStr(int level) override;
     short& readSShort(short& v) override { return parse(v); }
     long& readSLong(long& v) override { return parse(v); }
@@ -80,7 +80,7 @@ public:
 class StructAULong : public StructAsciiNum {
 public:
     using StructAsciiNum::StructAsciiNum;
-    ElemType getType() override { return TypeAULong; }
+    ElemType getType() const override { return TypeAULong; }
     zun::String getTypeStr(int level) override;
     unsigned long& readULong(unsigned long& v) override { return parse(v); }
     long long& readSLLong(long long& v) override { return parse(v); }
@@ -93,7 +93,7 @@ public:
 class StructASLong : public StructAsciiNum {
 public:
     using StructAsciiNum::StructAsciiNum;
-    ElemType getType() override { return TypeASLong; }
+    ElemType getType() const override { return TypeASLong; }
     zun::String getTypeStr(int level) override;
     long& readSLong(long& v) override { return parse(v); }
     long long& readSLLong(long long& v) override { return parse(v); }
@@ -106,7 +106,7 @@ public:
 class StructAULLong : public StructAsciiNum {
 public:
     using StructAsciiNum::StructAsciiNum;
-    ElemType getType() override { return TypeAULLong; }
+    ElemType getType() const override { return TypeAULLong; }
     zun::String getTypeStr(int level) override;
     unsigned long long& readULLong(unsigned long long& v) override { return parse(v); }
     double& readDouble(double& v) override { return parse(v); }
@@ -116,7 +116,7 @@ public:
 class StructASLLong : public StructAsciiNum {
 public:
     using StructAsciiNum::StructAsciiNum;
-    ElemType getType() override { return TypeASLLong; }
+    ElemType getType() const override { return TypeASLLong; }
     zun::String getTypeStr(int level) override;
     long long& readSLLong(long long& v) override { return parse(v); }
     double& readDouble(double& v) override { return parse(v); }
@@ -126,7 +126,7 @@ public:
 class StructAFloat : public StructAsciiNum {
 public:
     using StructAsciiNum::StructAsciiNum;
-    ElemType getType() override { return TypeAFloat; }
+    ElemType getType() const override { return TypeAFloat; }
     zun::String getTypeStr(int level) override;
     float& readFloat(float& v) override { return parse(v); }
     double& readDouble(double& v) override { return parse(v); }
@@ -136,7 +136,7 @@ public:
 class StructADouble : public StructAsciiNum {
 public:
     using StructAsciiNum::StructAsciiNum;
-    ElemType getType() override { return TypeADouble; }
+    ElemType getType() const override { return TypeADouble; }
     zun::String getTypeStr(int level) override;
     double& readDouble(double& v) override { return parse(v); }
     zun::String readHexNum(bool compress) override;

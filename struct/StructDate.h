@@ -19,7 +19,7 @@ public:
     StructNumDate(StructElem* prev, StructElem* parent, const char* name, int year, long size)
         : StructNumSShort(prev, parent, name, "date", size), year(year) {}
 
-    ElemType getType() override { return TypeDate; }
+    ElemType getType() const override { return TypeDate; }
     zun::String getTypeStr(int level) override;
     zun::JulianDate& readDateTime(zun::JulianDate& date) override;
     // The date as "DD-MON-YYYY".
@@ -34,7 +34,7 @@ public:
     StructNumDateTime(StructElem* prev, StructElem* parent, const char* name, int year, long size)
         : StructNumDouble(prev, parent, name, "date", size), year(year) {}
 
-    ElemType getType() override { return TypeDateTime; }
+    ElemType getType() const override { return TypeDateTime; }
     zun::String getTypeStr(int level) override;
     zun::JulianDate& readDateTime(zun::JulianDate& date) override;
     // The date and time, with the precision of JulianDate::d_precision.
@@ -56,7 +56,7 @@ public:
     StructADateTime(StructElem* prev, StructElem* parent, const char* name, int year, long size)
         : StructElem(prev, parent, name, "date", size), year(year) {}
 
-    ElemType getType() override { return TypeADateTime; }
+    ElemType getType() const override { return TypeADateTime; }
     zun::String getTypeStr(int level) override;
     void setSize() override { size = 20; }
     zun::String& readString(zun::String& target, int append) override;

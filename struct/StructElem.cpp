@@ -61,19 +61,19 @@ StructElem* StructElem::getChild(const char* path) {
 
 long StructElem::addVirtual(const char* name, ElemType type, const char* unit, const char* expression) {
     StructElem& e = (*this)[0];
-    if (e.getType() != TypeRecord) return -1;
+    if (!e.explodes()) return -1;
     return e.addVirtual(name, type, unit, expression);
 }
 
 long StructElem::addVirtualLink(const char* name, const char* a, const char* b, const char* c) {
     StructElem& e = (*this)[0];
-    if (e.getType() != TypeRecord) return -1;
+    if (!e.explodes()) return -1;
     return e.addVirtualLink(name, a, b, c);
 }
 
 long StructElem::addAuxFile(const char* name, const char* a, const char* b, const char* c) {
     StructElem& e = (*this)[0];
-    if (e.getType() != TypeRecord) return -1;
+    if (!e.explodes()) return -1;
     return e.addAuxFile(name, a, b, c);
 }
 
@@ -188,23 +188,23 @@ StructArray* StructElem::getParentArray(int n) const {
 unsigned char StructElem::getStructLevel() const {
     unsigned char level = 0;
     for (const StructElem* p = parent; p; p = p->parent)
-        if (p->parent == nullptr || const_cast<StructElem*>(p)->getType() != TypeUnion) ++level;
+        if (p->parent == nullptr || !p->isSeenThrough()) ++level;
     return level;
 }
 
 String StructElem::getPathName() const {
     if (!parent || parent->elemName.isEmpty()) return elemName;
     String path = parent->getPathName();
-    path += const_cast<StructElem*>(parent)->getType() == TypeUnion ? '#' : '.';
+    path += parent->pathSeparator();
     path += elemName;
     return path;
 }
 
 String StructElem::getPathName(int depth) const {
     if (!parent) return elemName;
-    if (const_cast<StructElem*>(parent)->getType() == TypeUnion) {
+    if (parent->isSeenThrough()) {
         String path = parent->getPathName(depth);
-        path += '#';
+        path += parent->pathSeparator();
         path += elemName;
         return path;
     }
@@ -556,7 +556,7 @@ StructAlias* StructElem::getRef(const char* ref, int& up, bool self) {
     const char* p = ref;
     StructElem* e = start;
     for (;;) {
-        while (e->parent && e->getType() == TypeUnion) e = e->parent;
+        while (e->parent && e->isSeenThrough()) e = e->parent;
         if (std::strncmp(p, "--.", 3) == 0) {
             if (!e->parent) throw ErrorReferenceInvalid(getPathName().str(), ref);
             if (e->isAnArray()) ++up;
@@ -564,7 +564,7 @@ StructAlias* StructElem::getRef(const char* ref, int& up, bool self) {
             while (e->isAnArray() && e->parent) {
                 ++up;
                 e = e->parent;
-                while (e->parent && e->getType() == TypeUnion) e = e->parent;
+                while (e->parent && e->isSeenThrough()) e = e->parent;
             }
             p += 3;
         } else if (std::strncmp(p, "-.", 2) == 0) {
@@ -582,11 +582,10 @@ StructAlias* StructElem::getRef(const char* ref, int& up, bool self) {
 
 long StructElem::childList(int level, const char* pattern, bool expand, zun::ObjAppendList<StructElem*>& out) {
     if (!pattern || !*pattern) {
-        ElemType type = getType();
-        if (expand && type == TypeRecord) return childList(level, "*", expand, out);
-        if (expand && type == TypeUnion) {
+        if (expand && explodes()) return childList(level, "*", expand, out);
+        if (expand && isSeenThrough()) {
             StructElem* alternative = getChild(nullptr);
-            if (alternative->getType() == TypeRecord && isFixedType(level))
+            if (alternative->explodes() && isFixedType(level))
                 return alternative->childList(level, "*", expand, out);
         }
         out << this;
@@ -597,7 +596,7 @@ long StructElem::childList(int level, const char* pattern, bool expand, zun::Obj
     const char* rest = pattern + used;
     long before = out.count;
     if (isAnArray()) return 0;
-    if (getType() == TypeUnion) {
+    if (isSeenThrough()) {
         if (isFixedType(level)) getChild(nullptr)->childList(level, pattern, expand, out);
         return out.count - before;
     }

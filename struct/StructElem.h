@@ -89,7 +89,18 @@ public:
 
     virtual bool isVirtual() const { return false; }
     virtual bool isAnArray() const { return false; }
-    virtual ElemType getType() { return TypeNone; }
+    virtual ElemType getType() const { return TypeNone; }
+    // What joins the names of the children to this element's path: "." in
+    // general, "#" below a union.
+    virtual char pathSeparator() const { return '.'; }
+    // Whether references and structure levels look through the element to
+    // the element around it (a union, whose alternatives see the fields
+    // beside it).
+    virtual bool isSeenThrough() const { return false; }
+    // Whether the element is a record: exploded into its fields by listings,
+    // and the element of an array that takes the definitions given to the
+    // array.
+    virtual bool explodes() const { return false; }
     // Whether the type stays the same for all positions of the arrays at
     // structure level `level` and deeper.
     virtual bool isFixedType(int level) { return true; }

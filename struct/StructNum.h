@@ -56,7 +56,7 @@ extern template class StructNum<double>;
 class StructNumSShort : public StructNum<short> {
 public:
     using StructNum<short>::StructNum;
-    ElemType getType() override { return TypeSShort; }
+    ElemType getType() const override { return TypeSShort; }
     zun::String getTypeStr(int level) override;
     short& readSShort(short& v) override { return readAs(v); }
     unsigned short& readUShort(unsigned short& v) override { return readAs(v); }
@@ -72,7 +72,7 @@ public:
 class StructNumSChar : public StructNumSShort {
 public:
     using StructNumSShort::StructNumSShort;
-    ElemType getType() override { return TypeSChar; }
+    ElemType getType() const override { return TypeSChar; }
     zun::String getTypeStr(int level) override;
     // A character field without a size column takes one byte.
     void setSize() override { size = 1; }
@@ -82,7 +82,7 @@ public:
 class StructNumUShort : public StructNum<unsigned short> {
 public:
     using StructNum<unsigned short>::StructNum;
-    ElemType getType() override { return TypeUShort; }
+    ElemType getType() const override { return TypeUShort; }
     zun::String getTypeStr(int level) override;
     short& readSShort(short& v) override { return readAs(v); }
     unsigned short& readUShort(unsigned short& v) override { return readAs(v); }
@@ -98,7 +98,7 @@ public:
 class StructNumUChar : public StructNumUShort {
 public:
     using StructNumUShort::StructNumUShort;
-    ElemType getType() override { return TypeUChar; }
+    ElemType getType() const override { return TypeUChar; }
     zun::String getTypeStr(int level) override;
     void setSize() override { size = 1; }
     unsigned short& read(unsigned short& v) override;
@@ -107,7 +107,7 @@ public:
 class StructNumSLong : public StructNum<long> {
 public:
     using StructNum<long>::StructNum;
-    ElemType getType() override { return TypeSLong; }
+    ElemType getType() const override { return TypeSLong; }
     zun::String getTypeStr(int level) override;
     long& readSLong(long& v) override { return readAs(v); }
     unsigned long& readULong(unsigned long& v) override { return readAs(v); }
@@ -120,7 +120,7 @@ public:
 class StructNumULong : public StructNum<unsigned long> {
 public:
     using StructNum<unsigned long>::StructNum;
-    ElemType getType() override { return TypeULong; }
+    ElemType getType() const override { return TypeULong; }
     zun::String getTypeStr(int level) override;
     long& readSLong(long& v) override { return readAs(v); }
     unsigned long& readULong(unsigned long& v) override { return readAs(v); }
@@ -133,7 +133,7 @@ public:
 class StructNumSLLong : public StructNum<long long> {
 public:
     using StructNum<long long>::StructNum;
-    ElemType getType() override { return TypeSLLong; }
+    ElemType getType() const override { return TypeSLLong; }
     zun::String getTypeStr(int level) override;
     long long& readSLLong(long long& v) override { return readAs(v); }
     unsigned long long& readULLong(unsigned long long& v) override { return readAs(v); }
@@ -143,7 +143,7 @@ public:
 class StructNumULLong : public StructNum<unsigned long long> {
 public:
     using StructNum<unsigned long long>::StructNum;
-    ElemType getType() override { return TypeULLong; }
+    ElemType getType() const override { return TypeULLong; }
     zun::String getTypeStr(int level) override;
     long long& readSLLong(long long& v) override { return readAs(v); }
     unsigned long long& readULLong(unsigned long long& v) override { return readAs(v); }
@@ -153,7 +153,7 @@ public:
 class StructNumFloat : public StructNum<float> {
 public:
     using StructNum<float>::StructNum;
-    ElemType getType() override { return TypeFloat; }
+    ElemType getType() const override { return TypeFloat; }
     zun::String getTypeStr(int level) override;
     float& readFloat(float& v) override { return readAs(v); }
     double& readDouble(double& v) override { return readAs(v); }
@@ -162,7 +162,7 @@ public:
 class StructNumDouble : public StructNum<double> {
 public:
     using StructNum<double>::StructNum;
-    ElemType getType() override { return TypeDouble; }
+    ElemType getType() const override { return TypeDouble; }
     zun::String getTypeStr(int level) override;
     double& readDouble(double& v) override { return readAs(v); }
 };

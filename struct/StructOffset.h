@@ -17,7 +17,7 @@ class StructOffsetFixed : public StructElem {
 public:
     StructOffsetFixed(StructElem* prev, StructElem* parent, const char* name, long place);
 
-    ElemType getType() override { return TypeOffset; }
+    ElemType getType() const override { return TypeOffset; }
     zun::String getTypeStr(int level) override;
     StructArray* getOffsetDep() override;
     virtual void setOffset(long place) { offset = place; }
@@ -29,7 +29,7 @@ class StructOffsetRelative : public StructElem {
 public:
     StructOffsetRelative(StructElem* prev, StructElem* parent, const char* name, long move);
 
-    ElemType getType() override { return TypeRelativeOffset; }
+    ElemType getType() const override { return TypeRelativeOffset; }
     zun::String getTypeStr(int level) override;
     long getSize() override { return size; }
 };
@@ -41,7 +41,7 @@ class StructOffsetAlign : public StructElem {
 public:
     StructOffsetAlign(StructElem* prev, StructElem* parent, const char* name, long alignment);
 
-    ElemType getType() override { return TypeAlignmentOffset; }
+    ElemType getType() const override { return TypeAlignmentOffset; }
     zun::String getTypeStr(int level) override;
     long getSize() override;
 };
@@ -54,7 +54,7 @@ public:
 
     StructOffsetRef(StructElem* prev, StructElem* parent, const char* name, const char* text);
 
-    ElemType getType() override { return TypeOffset; }
+    ElemType getType() const override { return TypeOffset; }
     zun::String getTypeStr(int level) override;
     long getOffset() override;
     StructArray* getOffsetDep() override;

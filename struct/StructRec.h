@@ -71,7 +71,8 @@ public:
               const char* unit, const char* sizeText);
     ~StructRec() override;
 
-    ElemType getType() override { return TypeRecord; }
+    ElemType getType() const override { return TypeRecord; }
+    bool explodes() const override { return true; }
     zun::String getTypeStr(int level) override;
     const zun::String& getUnit() override;
     const zun::String& getDictionaryPath() const override { return dictionaryPath; }

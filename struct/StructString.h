@@ -13,7 +13,7 @@ public:
     StructString(StructElem* prev, StructElem* parent, const char* name, const char* unit, long size)
         : StructElem(prev, parent, name, unit, size) {}
 
-    ElemType getType() override { return TypeString; }
+    ElemType getType() const override { return TypeString; }
     zun::String getTypeStr(int level) override;
     // All bytes of the field, zero bytes included.
     zun::String& readString(zun::String& target, int append) override;
@@ -29,7 +29,7 @@ public:
     StructVarString(StructElem* prev, StructElem* parent, const char* name, const char* unit, const char* sizeText)
         : StructRefSize(prev, parent, name, unit, sizeText) {}
 
-    ElemType getType() override { return TypeString; }
+    ElemType getType() const override { return TypeString; }
     zun::String getTypeStr(int level) override;
     zun::String& readString(zun::String& target, int append) override;
     std::stringstream& readStr(std::stringstream& out, int append) override;
@@ -43,7 +43,7 @@ public:
     StructAChar(StructElem* prev, StructElem* parent, const char* name, const char* unit)
         : StructElem(prev, parent, name, unit, 1) {}
 
-    ElemType getType() override { return TypeAChar; }
+    ElemType getType() const override { return TypeAChar; }
     zun::String getTypeStr(int level) override;
     void setSize() override { size = 1; }
     // The character; a zero byte adds nothing.
@@ -59,7 +59,7 @@ public:
     StructNull(StructElem* prev, StructElem* parent, const char* name)
         : StructElem(prev, parent, name, nullptr, 0) {}
 
-    ElemType getType() override { return TypeNull; }
+    ElemType getType() const override { return TypeNull; }
     zun::String getTypeStr(int level) override;
     zun::String readAll(bool compress) override;
     zun::String& readString(zun::String& target, int append) override;

@@ -37,13 +37,13 @@ void warnNoMatch(const String& pattern) {
 bool isRecordArray(StructElem& e) {
     if (!e.isAnArray()) return false;
     StructElem* element = e.getChild("#")->getChild(nullptr);
-    return element->getType() == vexa::TypeRecord;
+    return element->explodes();
 }
 
 // The structure level at which the fields below e are selected.
 int selectionLevel(StructElem& e) {
     if (!e.parent) return 0;
-    return e.getStructLevel() + (e.parent->getType() != vexa::TypeUnion ? 1 : 0);
+    return e.getStructLevel() + (e.parent->isSeenThrough() ? 0 : 1);
 }
 
 // Matches each pattern below element; warns about those that match nothing.
@@ -102,24 +102,18 @@ void read_base(StructElem& element, const FieldList& fields, BinOutput* bin, con
         // doesn't build arrays yet, so none can reach this point.
         throw vexa::ErrorInternal("array reading in read_base");
     }
-    switch (element.getType()) {
-    case vexa::TypeUnion:
+    if (element.isSeenThrough()) {
         read_base(*element.getChild(nullptr), fields, bin, xopt, explode, compress, width, 0, -1, 1);
         return;
-    case vexa::TypeRecord: {
-        if (fields.count == 0 && bin) {
-            print_element(element, bin, explode, xopt, compress, width);
-            return;
-        }
-        ObjAppendListP<StructAlias> aliases;
-        if (fields.count == 0) element.childList("*", false, aliases);
-        else selectFields(element, fields, aliases);
-        printSelection(aliases, bin, xopt, explode, compress, width);
+    }
+    if (!element.explodes() || (fields.count == 0 && bin)) {
+        print_element(element, bin, explode, xopt, compress, width);
         return;
     }
-    default:
-        print_element(element, bin, explode, xopt, compress, width);
-    }
+    ObjAppendListP<StructAlias> aliases;
+    if (fields.count == 0) element.childList("*", false, aliases);
+    else selectFields(element, fields, aliases);
+    printSelection(aliases, bin, xopt, explode, compress, width);
 }
 
 void print_element(StructElem& element, BinOutput* bin, bool explode, const char* xopt, bool compress, int width) {
@@ -162,7 +156,7 @@ void print_element(StructElem& element, BinOutput* bin, bool explode, const char
 }
 
 void read_base_struct(StructElem& element, const FieldList& fields, bool explode) {
-    if (element.getType() == vexa::TypeUnion) {
+    if (element.isSeenThrough()) {
         read_base_struct(*element.getChild(nullptr), fields, explode);
         return;
     }
@@ -205,7 +199,7 @@ void print_elem_struct(int level, int relLevel, StructElem& e, bool explode, zun
 
     StructElem* inner = &e;
     while (inner->isAnArray()) inner = inner->getChild("#");
-    if (inner->getType() == vexa::TypeUnion && inner->isFixedType(level)) inner = inner->getChild(nullptr);
+    if (inner->isSeenThrough() && inner->isFixedType(level)) inner = inner->getChild(nullptr);
 
     indent << 1;
     long n = inner->numElems();
