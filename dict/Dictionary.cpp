@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 
 #include "base/Exception.h"
 #include "input/FileUtils.h"
@@ -192,53 +193,55 @@ StructElem* Dictionary::processNext(StructElem* prev, StructElem* parent, Struct
 StructElem* Dictionary::makeElement(StructElem* prev, StructElem* parent, StructElem*& offsetElem,
                                     ObjAppendList<String>& columns) {
     int count = extractColumns(columns);
-    const String& dims = columns[4];
+    FieldLine field;
+    field.name = columns[0];
+    field.type = columns[1];
+    field.unit = columns[2];
+    field.size = columns[3];
+    field.dims = columns[4];
+    field.offset = columns[5];
+    const String& dims = field.dims;
     bool isArray = !dims.isEmpty() && !(dims.isInteger() && dims.toLong() == 1);
-    StructElem* marker = nullptr;
+    std::unique_ptr<StructElem> marker;
     try {
         if (line[0] == '~') {
-            String fieldName = columns[0].substr(1);
-            String type = String("~") + columns[1];
-            checkFieldName(fieldName);
-            if (isArray) throw String("unsupported array field ") + quoted(fieldName);
-            return parent->createChild(prev, fieldName, columns[2], type, columns[3]);
+            field.name = field.name.substr(1);
+            field.type = "~" + field.type;
+            checkFieldName(field.name);
+            if (isArray) throw String("unsupported array field ") + quoted(field.name);
+            return parent->createChild(prev, field);
         }
         if (count < 4) throw ErrorDictionary(path().str(), "Missing Columns");
-        const String& fieldName = columns[0];
-        const String& place = columns[5];
+        const String& fieldName = field.name;
+        const String& place = field.offset;
         if (!place.isEmpty()) {
             if (place[0] == '%') {
                 String alignment = place.substr(1);
                 if (!alignment.isInteger() || alignment[0] == '-' || alignment.toLong() < 0)
                     throw String("Field ") + quoted(fieldName) + " invalid negative alignment offset";
-                marker = new StructOffsetAlign(prev, parent, fieldName.str(), alignment.toLong());
+                marker.reset(new StructOffsetAlign(prev, parent, fieldName.str(), alignment.toLong()));
             } else if (!place.isInteger()) {
-                marker = new StructOffsetRef(prev, parent, fieldName.str(), place.str());
+                marker.reset(new StructOffsetRef(prev, parent, fieldName.str(), place.str()));
             } else if (place.toLong() < 0 || place[0] == '+') {
-                marker = new StructOffsetRelative(prev, parent, fieldName.str(), place.toLong());
+                marker.reset(new StructOffsetRelative(prev, parent, fieldName.str(), place.toLong()));
             } else {
-                marker = new StructOffsetFixed(prev, parent, fieldName.str(), place.toLong());
+                marker.reset(new StructOffsetFixed(prev, parent, fieldName.str(), place.toLong()));
             }
-            prev = marker;
+            prev = marker.get();
         }
         checkFieldName(fieldName);
         if (isArray) throw String("unsupported array field ") + quoted(fieldName);
-        StructElem* e = parent->createChild(prev, fieldName, columns[2], columns[1], columns[3]);
-        offsetElem = marker;
+        StructElem* e = parent->createChild(prev, field);
+        offsetElem = marker.release();
         return e;
     } catch (String& text) {
-        delete marker;
         throw ErrorDictionary(path().str(), text.str());
     } catch (zun::StdError& e) {
-        delete marker;
         if (e.code() != 2) throw;
-        String text = String("invalid sub dictionary ") + quoted(columns[1].substr(1));
+        String text = String("invalid sub dictionary ") + quoted(field.type.substr(1));
         ErrorDictionary error(path().str(), text.str());
         error.chain(e);
         throw error;
-    } catch (...) {
-        delete marker;
-        throw;
     }
 }
 

@@ -20,6 +20,16 @@ namespace vexa {
 
 class StructElem;
 
+// The columns of one field line of a dictionary, as the element factory takes them.
+struct FieldLine {
+    zun::String name;
+    zun::String type;
+    zun::String unit;
+    zun::String size;
+    zun::String dims;     // array dimensions; empty or "1" for a scalar
+    zun::String offset;   // where the field stands; empty: behind its predecessor
+};
+
 class Dictionary {
 public:
     static const int lineSize = 2048;

@@ -1,8 +1,10 @@
-// The type vocabulary of the dictionary: each type word bound to its class,
-// with its size checks and messages. Errors are thrown as zun::String; the
-// dictionary reader turns them into ErrorDictionary.
+// The type vocabulary of the dictionary: one table binds each type to its
+// printed name, the dictionary words it takes, the sizes it allows and the
+// class it makes. Errors are thrown as zun::String; the dictionary reader
+// turns them into ErrorDictionary.
 #include <cstring>
 
+#include "dict/Dictionary.h"
 #include "struct/StructAscii.h"
 #include "struct/StructBase.h"
 #include "struct/StructDate.h"
@@ -11,141 +13,216 @@
 #include "struct/StructRec.h"
 #include "struct/StructString.h"
 
-using zun::String;
 using zun::quoted;
+using zun::String;
 
 namespace vexa {
 
-ElemType elemType(const char* word) {
-    if (!word || !*word) return TypeNone;
-    for (int t = TypeRelativeOffset; t <= TypeArray; ++t)
-        if (t != TypeNone && std::strcmp(word, elemTypeName(t)) == 0) return static_cast<ElemType>(t);
-    return TypeNone;
+namespace {
+
+// Makes the element of a dictionary line; n is the size column as an
+// integer, -1 when it isn't one.
+using Maker = StructElem* (*)(const FieldLine& line, StructElem* prev, StructElem* parent, long n);
+
+// The sizes a type allows, and its name in the message of a size it refuses.
+struct SizeRule {
+    const char* kind;
+    bool (*fits)(long n);
+};
+
+template <class C>
+StructElem* plain(const FieldLine& line, StructElem* prev, StructElem* parent, long n) {
+    return new C(prev, parent, line.name.str(), line.unit.text, n);
 }
 
-namespace {
+// Dates take the unit column as their date convention.
+template <class C>
+StructElem* dated(const FieldLine& line, StructElem* prev, StructElem* parent, long n) {
+    return new C(prev, parent, line.name.str(), line.unit.toInt(), n);
+}
+
+StructElem* character(const FieldLine& line, StructElem* prev, StructElem* parent, long) {
+    return new StructAChar(prev, parent, line.name.str(), line.unit.text);
+}
 
 String badSize(const char* kind, const String& size) {
     return String("invalid size for ") + kind + " field '" + size.str() + "'";
 }
 
-// The words a virtual line may carry behind "~".
-bool knownVirtualType(const String& word) {
-    static const char* const words[] = {"UChar", "SChar",  "AChar", "UShort",   "SShort",    "ULong",
-                                        "SLong", "ULLong", "SLLong", "Float",   "Double",    "DateTime",
-                                        "Date",  "String", "SelectMap", "InverseMap", "Auxiliary"};
-    for (const char* w : words)
-        if (word == w) return true;
-    return word.match("Auxiliary/*") || word[0] == '@';
+StructElem* string(const FieldLine& line, StructElem* prev, StructElem* parent, long n) {
+    if (n >= 1) return new StructString(prev, parent, line.name.str(), line.unit.text, n);
+    // Without a size the string would take no room and misplace what follows.
+    if (line.size.isEmpty()) throw badSize("String", line.size);
+    return new StructVarString(prev, parent, line.name.str(), line.unit.text, line.size.str());
 }
 
-StructElem* makeAscii(StructElem* prev, StructElem* parent, const String& name, const String& unit,
-                      const String& type, long size) {
-    bool isUnsigned = type[1] == 'U';
-    const char* n = name.str();
-    const char* u = unit.text;
-    if (type.match("??Char")) {
-        if (isUnsigned) return new StructAUChar(prev, parent, n, u, size);
-        return new StructASChar(prev, parent, n, u, size);
+StructElem* record(const FieldLine& line, StructElem* prev, StructElem* parent, long) {
+    String dictionary = line.type.substr(1);
+    return new StructRec(dictionary.str(), *parent->getBase(), prev, parent, line.name.str(), line.unit.text,
+                         line.size.text);
+}
+
+StructElem* null(const FieldLine& line, StructElem* prev, StructElem* parent, long) {
+    return new StructNull(prev, parent, line.name.str());
+}
+
+StructElem* spare(const FieldLine& line, StructElem*, StructElem*, long) {
+    throw String("unsupported field type ") + quoted(line.type);
+}
+
+StructElem* unionField(const FieldLine& line, StructElem*, StructElem*, long) {
+    throw String("unsupported union field ") + quoted(line.name);
+}
+
+bool anySize(long) { return true; }
+bool charSize(long n) { return n <= 1; }
+bool shortSize(long n) { return n <= 0 || n == 2; }
+bool longSize(long n) { return n <= 0 || n == 3 || n == 4; }
+bool llongSize(long n) { return n <= 0 || (n >= 5 && n <= 8); }
+bool floatSize(long n) { return n <= 0 || n == 4; }
+bool doubleSize(long n) { return n <= 0 || n == 8; }
+bool dateSize(long n) { return n != 1; }
+bool asciiSize(long n) { return n >= 1; }
+
+constexpr SizeRule any{"", anySize};
+constexpr SizeRule ascii{"Ascii numeric", asciiSize};
+
+// One row a type. `words` is the pattern (String::match) of the dictionary
+// words that make it, tried in the order of the table: a word beginning with
+// "a" is an ASCII number or nothing, "UShort" comes before the "?Short" that
+// takes every other letter, and "?Short" before the union's "[?]*". Types
+// without words are made by other means (offset columns, arrays) or not at
+// all. `valueType` marks the types a virtual field or a definition may have.
+struct TypeRow {
+    ElemType type;
+    const char* name;
+    const char* words;
+    SizeRule size;
+    Maker make;
+    bool valueType;
+};
+
+constexpr TypeRow table[] = {
+    {TypeUChar, "UChar", "UChar", {"Char", charSize}, plain<StructNumUChar>, true},
+    {TypeSChar, "SChar", "SChar", {"Char", charSize}, plain<StructNumSChar>, true},
+    {TypeAChar, "AChar", "AChar", {"Char", charSize}, character, true},
+    {TypeUShort, "UShort", "UShort", {"Short", shortSize}, plain<StructNumUShort>, true},
+    {TypeSShort, "SShort", "?Short", {"Short", shortSize}, plain<StructNumSShort>, true},
+    {TypeULong, "ULong", "ULong", {"Long", longSize}, plain<StructNumULong>, true},
+    {TypeSLong, "SLong", "?Long", {"Long", longSize}, plain<StructNumSLong>, true},
+    {TypeULLong, "ULLong", "ULLong", {"LLong", llongSize}, plain<StructNumULLong>, true},
+    {TypeSLLong, "SLLong", "?LLong", {"LLong", llongSize}, plain<StructNumSLLong>, true},
+    {TypeFloat, "Float", "Float", {"Float", floatSize}, plain<StructNumFloat>, true},
+    {TypeDouble, "Double", "Double", {"Double", doubleSize}, plain<StructNumDouble>, true},
+    {TypeDateTime, "DateTime", "DateTime", {"DateTime", doubleSize}, dated<StructNumDateTime>, true},
+    {TypeDate, "Date", "Date", {"Date", dateSize}, dated<StructNumDate>, true},
+    {TypeString, "String", "String", any, string, true},
+    {TypeAUChar, "aUChar", "aUChar", ascii, plain<StructAUChar>, true},
+    {TypeASChar, "aSChar", "a?Char", ascii, plain<StructASChar>, true},
+    {TypeAUShort, "aUShort", "aUShort", ascii, plain<StructAUShort>, true},
+    {TypeASShort, "aSShort", "a?Short", ascii, plain<StructASShort>, true},
+    {TypeAULong, "aULong", "aULong", ascii, plain<StructAULong>, true},
+    {TypeASLong, "aSLong", "a?Long", ascii, plain<StructASLong>, true},
+    {TypeAULLong, "aULLong", "aULLong", ascii, plain<StructAULLong>, true},
+    {TypeASLLong, "aSLLong", "a?LLong", ascii, plain<StructASLLong>, true},
+    {TypeAFloat, "aFloat", "aFloat", ascii, plain<StructAFloat>, true},
+    {TypeADouble, "aDouble", "aDouble", ascii, plain<StructADouble>, true},
+    {TypeADateTime, "aDateTime", "aDateTime", ascii, dated<StructADateTime>, true},
+    {TypeRecord, "Record", "@*", any, record, false},
+    {TypeSpare, "Spare", "Spare", any, spare, false},
+    {TypeUnion, "Union", "[?]*", any, unionField, false},
+    {TypeNull, "Null", "Null", any, null, false},
+    {TypeRelativeOffset, "Relative Offset", nullptr, any, nullptr, false},
+    {TypeAlignmentOffset, "Alignment Offset", nullptr, any, nullptr, false},
+    {TypeOffset, "Offset", nullptr, any, nullptr, false},
+    {TypeArray, "Array", nullptr, any, nullptr, false},
+};
+
+constexpr long typeCount = TypeArray - TypeRelativeOffset;  // every type but TypeNone
+constexpr long rowCount = sizeof table / sizeof table[0];
+
+// Every type of the enumeration but TypeNone has exactly one row.
+constexpr bool coversEveryType() {
+    for (int t = TypeRelativeOffset; t <= TypeArray; ++t) {
+        int rows = 0;
+        for (const TypeRow& row : table)
+            if (row.type == t) ++rows;
+        if (rows != (t == TypeNone ? 0 : 1)) return false;
     }
-    if (type.match("??Short")) {
-        if (isUnsigned) return new StructAUShort(prev, parent, n, u, size);
-        return new StructASShort(prev, parent, n, u, size);
-    }
-    if (type.match("??Long")) {
-        if (isUnsigned) return new StructAULong(prev, parent, n, u, size);
-        return new StructASLong(prev, parent, n, u, size);
-    }
-    if (type.match("??LLong")) {
-        if (isUnsigned) return new StructAULLong(prev, parent, n, u, size);
-        return new StructASLLong(prev, parent, n, u, size);
-    }
-    if (type == "aFloat") return new StructAFloat(prev, parent, n, u, size);
-    if (type == "aDouble") return new StructADouble(prev, parent, n, u, size);
-    if (type == "aDateTime") return new StructADateTime(prev, parent, n, unit.toInt(), size);
+    return rowCount == typeCount;
+}
+static_assert(coversEveryType(), "the type table must name every element type once");
+
+const TypeRow* rowOf(int type) {
+    for (const TypeRow& row : table)
+        if (row.type == type) return &row;
     return nullptr;
+}
+
+const TypeRow* rowForWord(const String& word) {
+    bool asciiWord = word[0] == 'a';
+    for (const TypeRow& row : table) {
+        if (!row.words || (row.words[0] == 'a') != asciiWord) continue;
+        if (word.match(row.words)) return &row;
+    }
+    return nullptr;
+}
+
+// The words a virtual line may carry behind "~" besides the value types:
+// index maps, auxiliary fields and links.
+bool knownVirtualType(const String& word) {
+    if (const TypeRow* row = rowOf(elemType(word.str())))
+        if (row->valueType) return true;
+    return word == "SelectMap" || word == "InverseMap" || word == "Auxiliary" || word.match("Auxiliary/*") ||
+           word[0] == '@';
 }
 
 }  // namespace
 
+const char* elemTypeName(int type) {
+    const TypeRow* row = rowOf(type);
+    return row ? row->name : "";
+}
+
+ElemType elemType(const char* word) {
+    if (!word || !*word) return TypeNone;
+    for (const TypeRow& row : table)
+        if (std::strcmp(word, row.name) == 0) return row.type;
+    return TypeNone;
+}
+
+bool isValueType(int type) {
+    const TypeRow* row = rowOf(type);
+    return row && row->valueType;
+}
+
 StructElem* StructElem::createChild(StructElem* prev, const String& name, const String& unit, const String& type,
                                     const String& size) {
+    FieldLine line;
+    line.name = name;
+    line.type = type;
+    line.unit = unit;
+    line.size = size;
+    return createChild(prev, line);
+}
+
+StructElem* StructElem::createChild(StructElem* prev, const FieldLine& line) {
+    const String& type = line.type;
     if (type[0] == '~') {
         String word = type.substr(1);
-        if (knownVirtualType(word)) throw String("unsupported virtual field ") + quoted(name);
+        if (knownVirtualType(word)) throw String("unsupported virtual field ") + quoted(line.name);
         throw String("unknown virtual field type ") + quoted(word);
     }
 
     long n = -1;
-    if (size.isInteger()) {
-        n = size.toLong();
-        if (n < 0) throw name + " invalid negative size '" + size + "'";
+    if (line.size.isInteger()) {
+        n = line.size.toLong();
+        if (n < 0) throw line.name + " invalid negative size '" + line.size + "'";
     }
-    const char* nm = name.str();
-    const char* u = unit.text;
-
-    if (type == "String") {
-        if (n >= 1) return new StructString(prev, this, nm, u, n);
-        // Without a size the string would take no room and misplace what follows.
-        if (size.isEmpty()) throw badSize("String", size);
-        return new StructVarString(prev, this, nm, u, size.str());
-    }
-    if (type[0] == 'a') {
-        if (!(type.match("??Char") || type.match("??Short") || type.match("??Long") || type.match("??LLong") ||
-              type == "aFloat" || type == "aDouble" || type == "aDateTime"))
-            throw String("unknown field type ") + quoted(type);
-        if (n < 1) throw badSize("Ascii numeric", size);
-        return makeAscii(prev, this, name, unit, type, n);
-    }
-    if (type.match("?Char")) {
-        char kind = type[0];
-        if (kind == 'S' || kind == 'U' || kind == 'A') {
-            if (n > 1) throw badSize("Char", size);
-            if (kind == 'S') return new StructNumSChar(prev, this, nm, u, n);
-            if (kind == 'U') return new StructNumUChar(prev, this, nm, u, n);
-            return new StructAChar(prev, this, nm, u);
-        }
-        throw String("unknown field type ") + quoted(type);
-    }
-    if (type.match("?Short")) {
-        if (n > 0 && n != 2) throw badSize("Short", size);
-        if (type[0] == 'U') return new StructNumUShort(prev, this, nm, u, n);
-        return new StructNumSShort(prev, this, nm, u, n);
-    }
-    if (type.match("?Long")) {
-        if (n > 0 && n != 3 && n != 4) throw badSize("Long", size);
-        if (type[0] == 'U') return new StructNumULong(prev, this, nm, u, n);
-        return new StructNumSLong(prev, this, nm, u, n);
-    }
-    if (type.match("?LLong")) {
-        if (n > 0 && (n < 5 || n > 8)) throw badSize("LLong", size);
-        if (type[0] == 'U') return new StructNumULLong(prev, this, nm, u, n);
-        return new StructNumSLLong(prev, this, nm, u, n);
-    }
-    if (type == "Float") {
-        if (n > 0 && n != 4) throw badSize("Float", size);
-        return new StructNumFloat(prev, this, nm, u, n);
-    }
-    if (type == "Double") {
-        if (n > 0 && n != 8) throw badSize("Double", size);
-        return new StructNumDouble(prev, this, nm, u, n);
-    }
-    if (type == "DateTime") {
-        if (n > 0 && n != 8) throw badSize("DateTime", size);
-        return new StructNumDateTime(prev, this, nm, unit.toInt(), n);
-    }
-    if (type == "Date") {
-        if (n == 1) throw badSize("Date", size);
-        return new StructNumDate(prev, this, nm, unit.toInt(), n);
-    }
-    if (type[0] == '@') {
-        String dictionary = type.substr(1);
-        return new StructRec(dictionary.str(), *getBase(), prev, this, nm, u, size.text);
-    }
-    if (type == "Spare") throw String("unsupported field type ") + quoted(type);
-    if (type[0] == '?') throw String("unsupported union field ") + quoted(name);
-    if (type == "Null") return new StructNull(prev, this, nm);
-    throw String("unknown field type ") + quoted(type);
+    const TypeRow* row = rowForWord(type);
+    if (!row) throw String("unknown field type ") + quoted(type);
+    if (!row->size.fits(n)) throw badSize(row->size.kind, line.size);
+    return row->make(line, prev, this, n);
 }
 
 }  // namespace vexa

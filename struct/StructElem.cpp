@@ -20,23 +20,12 @@ namespace vexa {
 
 namespace {
 
-const char* const typeNames[] = {
-    "Relative Offset", "Alignment Offset", "Offset", "", "Null", "Union", "Spare", "AChar", "SChar",
-    "UChar", "SShort", "UShort", "SLong", "ULong", "SLLong", "ULLong", "Float", "Double",
-    "DateTime", "Date", "String", "aSChar", "aUChar", "aSShort", "aUShort", "aSLong", "aULong",
-    "aSLLong", "aULLong", "aFloat", "aDouble", "aDateTime", "Record", "Array"};
-
 const String& emptyString() {
     static const String empty;
     return empty;
 }
 
 }  // namespace
-
-const char* elemTypeName(int type) {
-    if (type < TypeRelativeOffset || type > TypeArray) return "";
-    return typeNames[type - TypeRelativeOffset];
-}
 
 StructElem::StructElem(StructElem* prev, StructElem* parent, const char* name, const char* unit, long size)
     : elemName(name ? name : ""), size(size), unit(unit), prev(prev), parent(parent) {}

@@ -27,6 +27,7 @@ namespace vexa {
 class StructAlias;
 class StructArray;
 class StructBase;
+struct FieldLine;
 
 enum ElemType {
     TypeRelativeOffset = -3,
@@ -70,6 +71,9 @@ enum ElemType {
 const char* elemTypeName(int type);
 // The type whose name equals word exactly; TypeNone for anything else.
 ElemType elemType(const char* word);
+// Whether a virtual field or a definition may have the type (the numbers,
+// characters, dates and strings).
+bool isValueType(int type);
 
 class StructElem {
 public:
@@ -232,6 +236,7 @@ public:
 
     // Makes the element described by one dictionary line (dict/ElemFactory.cpp).
     // Errors are thrown as zun::String.
+    StructElem* createChild(StructElem* prev, const FieldLine& line);
     StructElem* createChild(StructElem* prev, const zun::String& name, const zun::String& unit,
                             const zun::String& type, const zun::String& size);
 

@@ -172,7 +172,7 @@ StructElem* StructRec::getField(const char* name) {
 long StructRec::addVirtual(const char* name, ElemType type, const char* unit, const char* expression) {
     long n = numElems();
     if (!Dictionary::fieldNameValid(String(name))) return -2;
-    if (type < TypeAChar || type > TypeADateTime) return -3;
+    if (!isValueType(type)) return -3;
     StructElem* last = n > 0 ? fields.data[n - 1] : nullptr;
     String word("~");
     word += elemTypeName(type);
