@@ -835,46 +835,79 @@ int typeOfArg(ObjAppendListP<CalcNode>* args, long i, int min, int max) {
 
 }  // namespace
 
+namespace {
+
+using Args = ObjAppendListP<CalcNode>;
+// Makes the node of one stateful or control function.
+using StateMaker = CalcNode* (*)(const char* name, Args* args, CalcParser& parser);
+
+// sort with a single key: the element number breaks ties.
+CalcNode* makeSort(const char* name, Args* args, CalcParser& parser) {
+    if (args && args->count == 1) {
+        std::unique_ptr<Args> owned(args);
+        *args << new CalcNodeIterator(requireIterator(parser));
+        owned.release();
+    }
+    return new CalcNodeFuncSort(name, args, parser);
+}
+
+// ifdef and ifndef choose their class by the type of the value they guard.
+template <class Num, class Str, class Raw>
+CalcNode* makeDefined(const char* name, Args* args, CalcParser&) {
+    switch (typeOfArg(args, 1, 2, 2)) {
+    case ValStr:
+        return new Str(name, args);
+    case ValRaw:
+        return new Raw(name, args);
+    default:
+        return new Num(name, args);
+    }
+}
+
+template <template <class> class F>
+CalcNode* makeIterating(const char* name, Args* args, CalcParser& parser) {
+    return makeTyped<F>(name, args, parser, typeOfArg(args, 0, 1, 2));
+}
+
+struct StateFunction {
+    const char* name;
+    StateMaker make;
+};
+
+const StateFunction stateFunctions[] = {
+    {"const", [](const char* n, Args* a, CalcParser&) -> CalcNode* { return new CalcNodeFuncConst(n, a); }},
+    {"option",
+     [](const char* n, Args* a, CalcParser& p) -> CalcNode* { return new CalcNodeFuncOption(n, a, &p.binders); }},
+    {"sync", [](const char* n, Args* a, CalcParser&) -> CalcNode* { return new CalcNodeFuncSync(n, a); }},
+    {"exec",
+     [](const char* n, Args* a, CalcParser& p) -> CalcNode* {
+         return new CalcNodeExec(n, a, static_cast<CalcBinder&>(p));
+     }},
+    {"keep", [](const char* n, Args* a, CalcParser&) -> CalcNode* { return new CalcNodeFuncKeep(n, a, false); }},
+    {"get", [](const char* n, Args* a, CalcParser&) -> CalcNode* { return new CalcNodeFuncKeep(n, a, true); }},
+    {"keepmin",
+     [](const char* n, Args* a, CalcParser& p) -> CalcNode* { return new CalcNodeFuncKeepMin(n, a, false, p); }},
+    {"getmin",
+     [](const char* n, Args* a, CalcParser& p) -> CalcNode* { return new CalcNodeFuncKeepMin(n, a, true, p); }},
+    {"keepmax",
+     [](const char* n, Args* a, CalcParser& p) -> CalcNode* { return new CalcNodeFuncKeepMax(n, a, false, p); }},
+    {"getmax",
+     [](const char* n, Args* a, CalcParser& p) -> CalcNode* { return new CalcNodeFuncKeepMax(n, a, true, p); }},
+    {"recurse", makeIterating<Recurse>},
+    {"recurse0", makeIterating<Recurse0>},
+    {"lastof", makeIterating<CalcNodeFuncLastOf>},
+    {"sort", makeSort},
+    {"ifdef", makeDefined<CalcNodeFuncIfDefNum, CalcNodeFuncIfDefStr, CalcNodeFuncIfDefRaw>},
+    {"ifndef", makeDefined<CalcNodeFuncDefineNum, CalcNodeFuncDefineStr, CalcNodeFuncDefineRaw>},
+    {"choose", [](const char* n, Args* a, CalcParser&) -> CalcNode* { return new CalcNodeFuncChoose(n, a); }},
+};
+
+}  // namespace
+
 CalcNode* bindStateFunction(const char* name, ObjAppendListP<CalcNode>* args, CalcParser& parser) {
     if (!name) return nullptr;
-    CalcBinder& binder = parser;
-    if (same(name, "const")) return new CalcNodeFuncConst(name, args);
-    if (same(name, "option")) return new CalcNodeFuncOption(name, args, &parser.binders);
-    if (same(name, "sync")) return new CalcNodeFuncSync(name, args);
-    if (same(name, "exec")) return new CalcNodeExec(name, args, binder);
-    if (same(name, "keep")) return new CalcNodeFuncKeep(name, args, false);
-    if (same(name, "get")) return new CalcNodeFuncKeep(name, args, true);
-    if (same(name, "keepmin")) return new CalcNodeFuncKeepMin(name, args, false, parser);
-    if (same(name, "getmin")) return new CalcNodeFuncKeepMin(name, args, true, parser);
-    if (same(name, "keepmax")) return new CalcNodeFuncKeepMax(name, args, false, parser);
-    if (same(name, "getmax")) return new CalcNodeFuncKeepMax(name, args, true, parser);
-    if (same(name, "recurse")) return makeTyped<Recurse>(name, args, binder, typeOfArg(args, 0, 1, 2));
-    if (same(name, "recurse0")) return makeTyped<Recurse0>(name, args, binder, typeOfArg(args, 0, 1, 2));
-    if (same(name, "lastof")) return makeTyped<CalcNodeFuncLastOf>(name, args, binder, typeOfArg(args, 0, 1, 2));
-    if (same(name, "sort")) {
-        if (args && args->count == 1) {
-            // A single key: the element number breaks ties.
-            std::unique_ptr<ObjAppendListP<CalcNode>> owned(args);
-            *args << new CalcNodeIterator(requireIterator(binder));
-            owned.release();
-        }
-        return new CalcNodeFuncSort(name, args, binder);
-    }
-    if (same(name, "ifdef") || same(name, "ifndef")) {
-        bool define = same(name, "ifndef");
-        switch (typeOfArg(args, 1, 2, 2)) {
-        case ValStr:
-            if (define) return new CalcNodeFuncDefineStr(name, args);
-            return new CalcNodeFuncIfDefStr(name, args);
-        case ValRaw:
-            if (define) return new CalcNodeFuncDefineRaw(name, args);
-            return new CalcNodeFuncIfDefRaw(name, args);
-        default:
-            if (define) return new CalcNodeFuncDefineNum(name, args);
-            return new CalcNodeFuncIfDefNum(name, args);
-        }
-    }
-    if (same(name, "choose")) return new CalcNodeFuncChoose(name, args);
+    for (const StateFunction& f : stateFunctions)
+        if (same(name, f.name)) return f.make(name, args, parser);
     return nullptr;
 }
 
