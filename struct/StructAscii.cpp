@@ -37,6 +37,14 @@ template long long& StructAsciiNum::parse(long long&);
 template unsigned long long& StructAsciiNum::parse(unsigned long long&);
 template float& StructAsciiNum::parse(float&);
 template double& StructAsciiNum::parse(double&);
+template String StructAsciiNum::hexOf(short);
+template String StructAsciiNum::hexOf(unsigned short);
+template String StructAsciiNum::hexOf(long);
+template String StructAsciiNum::hexOf(unsigned long);
+template String StructAsciiNum::hexOf(long long);
+template String StructAsciiNum::hexOf(unsigned long long);
+template String StructAsciiNum::hexOf(float);
+template String StructAsciiNum::hexOf(double);
 
 char StructAUChar::readChar() {
     short v;
@@ -49,56 +57,5 @@ String StructAUChar::readHexNum(bool) {
     zun::RawBuffer buffer(&c, 1);
     return buffer.hex();
 }
-
-String StructAUShort::readHexNum(bool) {
-    unsigned short v;
-    return hexOf(parse(v));
-}
-
-String StructASShort::readHexNum(bool) {
-    short v;
-    return hexOf(parse(v));
-}
-
-String StructAULong::readHexNum(bool) {
-    unsigned long v;
-    return hexOf(parse(v));
-}
-
-String StructASLong::readHexNum(bool) {
-    long v;
-    return hexOf(parse(v));
-}
-
-String StructAULLong::readHexNum(bool) {
-    unsigned long long v;
-    return hexOf(parse(v));
-}
-
-String StructASLLong::readHexNum(bool) {
-    long long v;
-    return hexOf(parse(v));
-}
-
-String StructAFloat::readHexNum(bool) {
-    float v;
-    return hexOf(parse(v));
-}
-
-String StructADouble::readHexNum(bool) {
-    double v;
-    return hexOf(parse(v));
-}
-
-String StructAUChar::getTypeStr(int) { return String("aUChar"); }
-String StructASChar::getTypeStr(int) { return String("aSChar"); }
-String StructAUShort::getTypeStr(int) { return String("aUShort"); }
-String StructASShort::getTypeStr(int) { return String("aSShort"); }
-String StructAULong::getTypeStr(int) { return String("aULong"); }
-String StructASLong::getTypeStr(int) { return String("aSLong"); }
-String StructAULLong::getTypeStr(int) { return String("aULLong"); }
-String StructASLLong::getTypeStr(int) { return String("aSLLong"); }
-String StructAFloat::getTypeStr(int) { return String("aFloat"); }
-String StructADouble::getTypeStr(int) { return String("aDouble"); }
 
 }  // namespace vexa

@@ -6,6 +6,7 @@
 // hold it in binary.
 #pragma once
 
+#include "struct/StructNum.h"
 #include "struct/StructString.h"
 
 namespace vexa {
@@ -23,18 +24,41 @@ protected:
     zun::String hexOf(U v);
 };
 
-class StructAUChar : public StructAsciiNum {
+// A number written as text that stands for a binary N: its typed reads follow
+// the rule of the numbers (readsAs), without the other sign of N's width.
+template <class N>
+class StructAsciiNumOf : public StructAsciiNum {
 public:
     using StructAsciiNum::StructAsciiNum;
+
+    zun::String getTypeStr(int) override { return zun::String(elemTypeName(getType())); }
+    short& readSShort(short& v) override { return readAs(v); }
+    unsigned short& readUShort(unsigned short& v) override { return readAs(v); }
+    long& readSLong(long& v) override { return readAs(v); }
+    unsigned long& readULong(unsigned long& v) override { return readAs(v); }
+    long long& readSLLong(long long& v) override { return readAs(v); }
+    unsigned long long& readULLong(unsigned long long& v) override { return readAs(v); }
+    float& readFloat(float& v) override { return readAs(v); }
+    double& readDouble(double& v) override { return readAs(v); }
+    // The bytes of the binary N that the text stands for.
+    zun::String readHexNum(bool) override {
+        N v;
+        return hexOf(parse(v));
+    }
+
+private:
+    template <class U>
+    U& readAs(U& v) {
+        if constexpr (readsAs<N, U>(false)) return parse(v);
+        else readInvalid(readWord<U>());
+    }
+};
+
+// The text of an unsigned character is read as a short.
+class StructAUChar : public StructAsciiNumOf<short> {
+public:
+    using StructAsciiNumOf<short>::StructAsciiNumOf;
     ElemType getType() const override { return TypeAUChar; }
-    zun::String getTypeStr(int level) override;
-    short& readSShort(short& v) override { return parse(v); }
-    long& readSLong(long& v) override { return parse(v); }
-    unsigned long& readULong(unsigned long& v) override { return parse(v); }
-    long long& readSLLong(long long& v) override { return parse(v); }
-    unsigned long long& readULLong(unsigned long long& v) override { return parse(v); }
-    float& readFloat(float& v) override { return parse(v); }
-    double& readDouble(double& v) override { return parse(v); }
     // The low byte of the number.
     char readChar() override;
     zun::String readHexNum(bool compress) override;
@@ -44,102 +68,24 @@ class StructASChar : public StructAUChar {
 public:
     using StructAUChar::StructAUChar;
     ElemType getType() const override { return TypeASChar; }
-    zun::String getTypeStr(int level) override;
 };
 
-class StructAUShort : public StructAsciiNum {
-public:
-    using StructAsciiNum::StructAsciiNum;
-    ElemType getType() const override { return TypeAUShort; }
-    zun::String getTypeStr(int level) override;
-    unsigned short& readUShort(unsigned short& v) override { return parse(v); }
-    long& readSLong(long& v) override { return parse(v); }
-    unsigned long& readULong(unsigned long& v) override { return parse(v); }
-    long long& readSLLong(long long& v) override { return parse(v); }
-    unsigned long long& readULLong(unsigned long long& v) override { return parse(v); }
-    float& readFloat(float& v) override { return parse(v); }
-    double& readDouble(double& v) override { return parse(v); }
-    zun::String readHexNum(bool compress) override;
-};
+#define VEXA_ASCII_NUMBER(Class, N, Type)                      \
+    class Class : public StructAsciiNumOf<N> {                 \
+    public:                                                    \
+        using StructAsciiNumOf<N>::StructAsciiNumOf;           \
+        ElemType getType() const override { return Type; }     \
+    };
 
-class StructASShort : public StructAsciiNum {
-public:
-    using StructAsciiNum::StructAsciiNum;
-    ElemType getType() const override { return TypeASShort; }
-    zun::String getTypeStr(int level) override;
-    short& readSShort(short& v) override { return parse(v); }
-    long& readSLong(long& v) override { return parse(v); }
-    unsigned long& readULong(unsigned long& v) override { return parse(v); }
-    long long& readSLLong(long long& v) override { return parse(v); }
-    unsigned long long& readULLong(unsigned long long& v) override { return parse(v); }
-    float& readFloat(float& v) override { return parse(v); }
-    double& readDouble(double& v) override { return parse(v); }
-    zun::String readHexNum(bool compress) override;
-};
+VEXA_ASCII_NUMBER(StructAUShort, unsigned short, TypeAUShort)
+VEXA_ASCII_NUMBER(StructASShort, short, TypeASShort)
+VEXA_ASCII_NUMBER(StructAULong, unsigned long, TypeAULong)
+VEXA_ASCII_NUMBER(StructASLong, long, TypeASLong)
+VEXA_ASCII_NUMBER(StructAULLong, unsigned long long, TypeAULLong)
+VEXA_ASCII_NUMBER(StructASLLong, long long, TypeASLLong)
+VEXA_ASCII_NUMBER(StructAFloat, float, TypeAFloat)
+VEXA_ASCII_NUMBER(StructADouble, double, TypeADouble)
 
-class StructAULong : public StructAsciiNum {
-public:
-    using StructAsciiNum::StructAsciiNum;
-    ElemType getType() const override { return TypeAULong; }
-    zun::String getTypeStr(int level) override;
-    unsigned long& readULong(unsigned long& v) override { return parse(v); }
-    long long& readSLLong(long long& v) override { return parse(v); }
-    unsigned long long& readULLong(unsigned long long& v) override { return parse(v); }
-    float& readFloat(float& v) override { return parse(v); }
-    double& readDouble(double& v) override { return parse(v); }
-    zun::String readHexNum(bool compress) override;
-};
-
-class StructASLong : public StructAsciiNum {
-public:
-    using StructAsciiNum::StructAsciiNum;
-    ElemType getType() const override { return TypeASLong; }
-    zun::String getTypeStr(int level) override;
-    long& readSLong(long& v) override { return parse(v); }
-    long long& readSLLong(long long& v) override { return parse(v); }
-    unsigned long long& readULLong(unsigned long long& v) override { return parse(v); }
-    float& readFloat(float& v) override { return parse(v); }
-    double& readDouble(double& v) override { return parse(v); }
-    zun::String readHexNum(bool compress) override;
-};
-
-class StructAULLong : public StructAsciiNum {
-public:
-    using StructAsciiNum::StructAsciiNum;
-    ElemType getType() const override { return TypeAULLong; }
-    zun::String getTypeStr(int level) override;
-    unsigned long long& readULLong(unsigned long long& v) override { return parse(v); }
-    double& readDouble(double& v) override { return parse(v); }
-    zun::String readHexNum(bool compress) override;
-};
-
-class StructASLLong : public StructAsciiNum {
-public:
-    using StructAsciiNum::StructAsciiNum;
-    ElemType getType() const override { return TypeASLLong; }
-    zun::String getTypeStr(int level) override;
-    long long& readSLLong(long long& v) override { return parse(v); }
-    double& readDouble(double& v) override { return parse(v); }
-    zun::String readHexNum(bool compress) override;
-};
-
-class StructAFloat : public StructAsciiNum {
-public:
-    using StructAsciiNum::StructAsciiNum;
-    ElemType getType() const override { return TypeAFloat; }
-    zun::String getTypeStr(int level) override;
-    float& readFloat(float& v) override { return parse(v); }
-    double& readDouble(double& v) override { return parse(v); }
-    zun::String readHexNum(bool compress) override;
-};
-
-class StructADouble : public StructAsciiNum {
-public:
-    using StructAsciiNum::StructAsciiNum;
-    ElemType getType() const override { return TypeADouble; }
-    zun::String getTypeStr(int level) override;
-    double& readDouble(double& v) override { return parse(v); }
-    zun::String readHexNum(bool compress) override;
-};
+#undef VEXA_ASCII_NUMBER
 
 }  // namespace vexa

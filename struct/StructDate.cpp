@@ -35,7 +35,6 @@ JulianDate& daysToDate(double days, int year, JulianDate& date) {
 
 // ---------------------------------------------------------------------------
 
-String StructNumDate::getTypeStr(int) { return String("Date"); }
 
 JulianDate& StructNumDate::readDateTime(JulianDate& date) {
     double v;
@@ -63,7 +62,6 @@ std::stringstream& StructNumDate::readStr(std::stringstream& out, int append) {
 
 // ---------------------------------------------------------------------------
 
-String StructNumDateTime::getTypeStr(int) { return String("DateTime"); }
 
 JulianDate& StructNumDateTime::readDateTime(JulianDate& date) {
     double v;

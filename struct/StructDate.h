@@ -20,7 +20,6 @@ public:
         : StructNumSShort(prev, parent, name, "date", size), year(year) {}
 
     ElemType getType() const override { return TypeDate; }
-    zun::String getTypeStr(int level) override;
     zun::JulianDate& readDateTime(zun::JulianDate& date) override;
     // The date as "DD-MON-YYYY".
     zun::String& readString(zun::String& target, int append) override;
@@ -35,7 +34,6 @@ public:
         : StructNumDouble(prev, parent, name, "date", size), year(year) {}
 
     ElemType getType() const override { return TypeDateTime; }
-    zun::String getTypeStr(int level) override;
     zun::JulianDate& readDateTime(zun::JulianDate& date) override;
     // The date and time, with the precision of JulianDate::d_precision.
     zun::String& readString(zun::String& target, int append) override;

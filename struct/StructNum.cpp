@@ -92,15 +92,4 @@ unsigned short& StructNumUChar::read(unsigned short& v) {
     return v;
 }
 
-String StructNumSShort::getTypeStr(int) { return String("SShort"); }
-String StructNumSChar::getTypeStr(int) { return String("SChar"); }
-String StructNumUShort::getTypeStr(int) { return String("UShort"); }
-String StructNumUChar::getTypeStr(int) { return String("UChar"); }
-String StructNumSLong::getTypeStr(int) { return String("SLong"); }
-String StructNumULong::getTypeStr(int) { return String("ULong"); }
-String StructNumSLLong::getTypeStr(int) { return String("SLLong"); }
-String StructNumULLong::getTypeStr(int) { return String("ULLong"); }
-String StructNumFloat::getTypeStr(int) { return String("Float"); }
-String StructNumDouble::getTypeStr(int) { return String("Double"); }
-
 }  // namespace vexa

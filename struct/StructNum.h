@@ -3,9 +3,49 @@
 // dictionary type its typed reads (widening only) and its type name.
 #pragma once
 
+#include <type_traits>
+
 #include "struct/StructElem.h"
 
 namespace vexa {
+
+// The typed reads a number answers, by one rule: a read into U works when U
+// holds the number's values. Widths rank short < long < long long, and Float
+// stands with long, Double above all. An integer reads into an integer of a
+// greater width, or of its own width and sign; into Float up to long; into
+// Double always. A floating value reads into floating types of its width or
+// above. Binary fields also read into the other sign of their own width (the
+// bits reinterpreted); numbers written as text don't.
+template <class T>
+constexpr int numberRank() {
+    if constexpr (std::is_same<T, short>::value || std::is_same<T, unsigned short>::value) return 1;
+    else if constexpr (std::is_same<T, long>::value || std::is_same<T, unsigned long>::value) return 2;
+    else if constexpr (std::is_same<T, long long>::value || std::is_same<T, unsigned long long>::value) return 3;
+    else if constexpr (std::is_same<T, float>::value) return 2;
+    else return 4;
+}
+
+template <class T, class U>
+constexpr bool readsAs(bool otherSignOfSameWidth) {
+    if (std::is_same<U, double>::value || std::is_same<T, U>::value) return true;
+    if (std::is_same<U, float>::value) return numberRank<T>() <= 2;
+    if (std::is_floating_point<T>::value) return false;
+    if (numberRank<U>() > numberRank<T>()) return true;
+    return otherSignOfSameWidth && numberRank<U>() == numberRank<T>();
+}
+
+// The word of a typed read, as a refused read names it.
+template <class U>
+constexpr const char* readWord() {
+    if constexpr (std::is_same<U, short>::value) return "SShort";
+    else if constexpr (std::is_same<U, unsigned short>::value) return "UShort";
+    else if constexpr (std::is_same<U, long>::value) return "SLong";
+    else if constexpr (std::is_same<U, unsigned long>::value) return "ULong";
+    else if constexpr (std::is_same<U, long long>::value) return "SLLong";
+    else if constexpr (std::is_same<U, unsigned long long>::value) return "ULLong";
+    else if constexpr (std::is_same<U, float>::value) return "Float";
+    else return "Double";
+}
 
 // Writes v as the standard stream's default format would (decimal integers,
 // "%g"-like six significant digits for floating values, "inf", "nan",
@@ -28,19 +68,33 @@ public:
 
     // The natural width of T in the file: 2, 8, 4 or 8 bytes.
     void setSize() override;
+    zun::String getTypeStr(int) override { return zun::String(elemTypeName(getType())); }
     std::stringstream& readStr(std::stringstream& out, int append) override;
     zun::String& readString(zun::String& target, int append) override;
     // Reads the field into v, converting the byte order of the stream.
     virtual T& read(T& v);
 
+    short& readSShort(short& v) override { return readAs(v); }
+    unsigned short& readUShort(unsigned short& v) override { return readAs(v); }
+    long& readSLong(long& v) override { return readAs(v); }
+    unsigned long& readULong(unsigned long& v) override { return readAs(v); }
+    long long& readSLLong(long long& v) override { return readAs(v); }
+    unsigned long long& readULLong(unsigned long long& v) override { return readAs(v); }
+    float& readFloat(float& v) override { return readAs(v); }
+    double& readDouble(double& v) override { return readAs(v); }
+
 protected:
-    // Reads the field and converts its value to U.
+    // Reads the field and converts its value to U, where the rule allows it.
     template <class U>
     U& readAs(U& v) {
-        T t;
-        read(t);
-        v = static_cast<U>(t);
-        return v;
+        if constexpr (readsAs<T, U>(true)) {
+            T t;
+            read(t);
+            v = static_cast<U>(t);
+            return v;
+        } else {
+            readInvalid(readWord<U>());
+        }
     }
 };
 
@@ -57,15 +111,6 @@ class StructNumSShort : public StructNum<short> {
 public:
     using StructNum<short>::StructNum;
     ElemType getType() const override { return TypeSShort; }
-    zun::String getTypeStr(int level) override;
-    short& readSShort(short& v) override { return readAs(v); }
-    unsigned short& readUShort(unsigned short& v) override { return readAs(v); }
-    long& readSLong(long& v) override { return readAs(v); }
-    unsigned long& readULong(unsigned long& v) override { return readAs(v); }
-    long long& readSLLong(long long& v) override { return readAs(v); }
-    unsigned long long& readULLong(unsigned long long& v) override { return readAs(v); }
-    float& readFloat(float& v) override { return readAs(v); }
-    double& readDouble(double& v) override { return readAs(v); }
 };
 
 // One signed byte, read as a short.
@@ -73,7 +118,6 @@ class StructNumSChar : public StructNumSShort {
 public:
     using StructNumSShort::StructNumSShort;
     ElemType getType() const override { return TypeSChar; }
-    zun::String getTypeStr(int level) override;
     // A character field without a size column takes one byte.
     void setSize() override { size = 1; }
     short& read(short& v) override;
@@ -83,15 +127,6 @@ class StructNumUShort : public StructNum<unsigned short> {
 public:
     using StructNum<unsigned short>::StructNum;
     ElemType getType() const override { return TypeUShort; }
-    zun::String getTypeStr(int level) override;
-    short& readSShort(short& v) override { return readAs(v); }
-    unsigned short& readUShort(unsigned short& v) override { return readAs(v); }
-    long& readSLong(long& v) override { return readAs(v); }
-    unsigned long& readULong(unsigned long& v) override { return readAs(v); }
-    long long& readSLLong(long long& v) override { return readAs(v); }
-    unsigned long long& readULLong(unsigned long long& v) override { return readAs(v); }
-    float& readFloat(float& v) override { return readAs(v); }
-    double& readDouble(double& v) override { return readAs(v); }
 };
 
 // One unsigned byte, read as an unsigned short.
@@ -99,7 +134,6 @@ class StructNumUChar : public StructNumUShort {
 public:
     using StructNumUShort::StructNumUShort;
     ElemType getType() const override { return TypeUChar; }
-    zun::String getTypeStr(int level) override;
     void setSize() override { size = 1; }
     unsigned short& read(unsigned short& v) override;
 };
@@ -108,63 +142,36 @@ class StructNumSLong : public StructNum<long> {
 public:
     using StructNum<long>::StructNum;
     ElemType getType() const override { return TypeSLong; }
-    zun::String getTypeStr(int level) override;
-    long& readSLong(long& v) override { return readAs(v); }
-    unsigned long& readULong(unsigned long& v) override { return readAs(v); }
-    long long& readSLLong(long long& v) override { return readAs(v); }
-    unsigned long long& readULLong(unsigned long long& v) override { return readAs(v); }
-    float& readFloat(float& v) override { return readAs(v); }
-    double& readDouble(double& v) override { return readAs(v); }
 };
 
 class StructNumULong : public StructNum<unsigned long> {
 public:
     using StructNum<unsigned long>::StructNum;
     ElemType getType() const override { return TypeULong; }
-    zun::String getTypeStr(int level) override;
-    long& readSLong(long& v) override { return readAs(v); }
-    unsigned long& readULong(unsigned long& v) override { return readAs(v); }
-    long long& readSLLong(long long& v) override { return readAs(v); }
-    unsigned long long& readULLong(unsigned long long& v) override { return readAs(v); }
-    float& readFloat(float& v) override { return readAs(v); }
-    double& readDouble(double& v) override { return readAs(v); }
 };
 
 class StructNumSLLong : public StructNum<long long> {
 public:
     using StructNum<long long>::StructNum;
     ElemType getType() const override { return TypeSLLong; }
-    zun::String getTypeStr(int level) override;
-    long long& readSLLong(long long& v) override { return readAs(v); }
-    unsigned long long& readULLong(unsigned long long& v) override { return readAs(v); }
-    double& readDouble(double& v) override { return readAs(v); }
 };
 
 class StructNumULLong : public StructNum<unsigned long long> {
 public:
     using StructNum<unsigned long long>::StructNum;
     ElemType getType() const override { return TypeULLong; }
-    zun::String getTypeStr(int level) override;
-    long long& readSLLong(long long& v) override { return readAs(v); }
-    unsigned long long& readULLong(unsigned long long& v) override { return readAs(v); }
-    double& readDouble(double& v) override { return readAs(v); }
 };
 
 class StructNumFloat : public StructNum<float> {
 public:
     using StructNum<float>::StructNum;
     ElemType getType() const override { return TypeFloat; }
-    zun::String getTypeStr(int level) override;
-    float& readFloat(float& v) override { return readAs(v); }
-    double& readDouble(double& v) override { return readAs(v); }
 };
 
 class StructNumDouble : public StructNum<double> {
 public:
     using StructNum<double>::StructNum;
     ElemType getType() const override { return TypeDouble; }
-    zun::String getTypeStr(int level) override;
-    double& readDouble(double& v) override { return readAs(v); }
 };
 
 }  // namespace vexa
