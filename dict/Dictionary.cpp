@@ -106,18 +106,13 @@ void Dictionary::init(const char* given) {
     }
     zun::FileUtils::pathNameCheck(file.str(), nullptr);
     stream = new zun::InputFStream(file.str());
+    // Until the header is in, a failure fails the constructor: nobody else
+    // would close the file.
+    std::unique_ptr<zun::InputStream> closeOnFailure(stream);
     // The header counts even as the only line, without a newline.
     stream->getline(line, lineSize, '\n');
-    if (!stream->eof() && stream->fail()) {
-        // the constructor fails: nobody else will close the file
-        try {
-            throwLineTooLong();
-        } catch (...) {
-            delete stream;
-            stream = nullptr;
-            throw;
-        }
-    }
+    if (!stream->eof() && stream->fail()) throwLineTooLong();
+    closeOnFailure.release();
     ObjAppendList<String> columns;
     prepareSlots(columns, 4, {1, 2});
     extractColumns(columns);

@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <limits>
+#include <memory>
 #include <new>
 #include <vector>
 
@@ -297,16 +298,11 @@ char* StructElem::readData() {
     long n = getSize();
     if (n < 0) n = 0;
     checkExtent(n);
-    char* data = new (std::nothrow) char[n + 1];
+    std::unique_ptr<char[]> data(new (std::nothrow) char[n + 1]);
     if (!data) readFailed(*getBase()->input);
-    try {
-        if (n > 0) readCPtr(data, n);
-    } catch (...) {
-        delete[] data;
-        throw;
-    }
+    if (n > 0) readCPtr(data.get(), n);
     data[n] = 0;
-    return data;
+    return data.release();
 }
 
 long StructElem::readCPtr(char* buffer, long max) {

@@ -1,5 +1,7 @@
 #include "struct/StructRec.h"
 
+#include <memory>
+
 #include "base/Exception.h"
 #include "calc/CalcBinder.h"
 #include "calc/CalcNode.h"
@@ -431,30 +433,25 @@ long StructRec::importDictionary(const char* name) {
     String savedPath = dictionaryPath;
     try {
         zun::ObjAppendList<String> seen;
-        Dictionary* dictionary = new Dictionary(name);
+        std::unique_ptr<Dictionary> dictionary(new Dictionary(name));
         for (;;) {
             dictionaryPath = dictionary->path();
             StructElem* prev = fields.count > 0 ? fields.data[fields.count - 1] : nullptr;
             StructElem* marker = nullptr;
-            try {
-                while (StructElem* e = dictionary->processNext(prev, this, marker)) {
-                    fields << e;
-                    if (marker) markers << marker;
-                    prev = e;
-                }
-            } catch (...) {
-                delete dictionary;
-                throw;
+            while (StructElem* e = dictionary->processNext(prev, this, marker)) {
+                fields << e;
+                if (marker) markers << marker;
+                prev = e;
             }
             String kind = dictionary->name.toUppercase();
-            delete dictionary;
+            dictionary.reset();
             if (kind != "AUTO-DESCRIPTIVE") break;
             if (fields.count == 0) throw ErrorFieldIndexInvalid(getPathName().str(), -1);
             String next;
             fields.data[fields.count - 1]->readString(next, 0);
             checkChain(seen, next);
             deleteFrom(fieldCount, markerCount);
-            dictionary = new Dictionary(*this, next.str());
+            dictionary.reset(new Dictionary(*this, next.str()));
         }
     } catch (...) {
         deleteFrom(fieldCount, markerCount);
