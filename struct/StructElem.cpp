@@ -15,6 +15,7 @@
 #include "struct/StructArray.h"
 #include "struct/StructBase.h"
 
+using zun::quoted;
 using zun::String;
 
 namespace vexa {
@@ -72,7 +73,34 @@ long StructElem::addAuxFile(const char* name, const char* a, const char* b, cons
 
 long StructElem::getPos() {
     long base = parent ? parent->getPos() : 0;
-    return base + getOffset();
+    return checkedSum(base, getOffset());
+}
+
+namespace {
+
+[[noreturn]] void positionOverflow(const StructElem& e, char op, long a, long b) {
+    String text = "field " + quoted(e.getPathName()) + " lies beyond the range of positions (";
+    text << a;
+    text += ' ';
+    text += op;
+    text += ' ';
+    text << b;
+    text += ')';
+    throw ErrorValueRange(text.str());
+}
+
+}  // namespace
+
+long StructElem::checkedSum(long a, long b) const {
+    long r;
+    if (__builtin_add_overflow(a, b, &r)) positionOverflow(*this, '+', a, b);
+    return r;
+}
+
+long StructElem::checkedProduct(long a, long b) const {
+    long r;
+    if (__builtin_mul_overflow(a, b, &r)) positionOverflow(*this, '*', a, b);
+    return r;
 }
 
 long StructElem::getOffset() {
@@ -85,7 +113,7 @@ long StructElem::getOffset() {
     if (prev->offset < 0) warmOffsets();
     long s = prev->getSize();
     long o = prev->getOffset();
-    offset = s + o;
+    offset = checkedSum(o, s);
     return offset;
 }
 

@@ -240,6 +240,12 @@ public:
     StructElem* createChild(StructElem* prev, const zun::String& name, const zun::String& unit,
                             const zun::String& type, const zun::String& size);
 
+    // a + b, and a * b, for positions, offsets and sizes of this element: a
+    // result beyond the 64-bit range fails with ErrorValueRange naming the
+    // element, instead of wrapping round to a wrong place.
+    long checkedSum(long a, long b) const;
+    long checkedProduct(long a, long b) const;
+
 protected:
     // The failure of a read this class can't answer.
     [[noreturn]] void readInvalid(const char* requested);

@@ -354,7 +354,7 @@ void StructRec::setSizeByCumul() {
     StructElem* last = fields.data[n - 1];
     long o = last->getOffset();
     long s = last->getSize();
-    size = o + s;
+    size = checkedSum(o, s);
 }
 
 void StructRec::initDictionary(const char* dictionary) {

@@ -52,3 +52,17 @@ TEST_F(Offsets, MarkerBeforeAnInvalidNameIsNotLeft) {
     EXPECT_EQ(errorOf([&] { file->getRoot().numElems(); }),
               "invalid field name \"b.c\" in dictionary '" + dictPath("r") + "'");
 }
+
+TEST_F(Offsets, PositionsBeyondSixtyFourBitsFailInsteadOfWrapping) {
+    // A field that would lie past the largest position names itself; nothing
+    // is read from a wrapped-round place.
+    dict("r", "r|||\na|UChar||||+9223372036854775807\nb|UChar|||\n");
+    file = open("r", "abcdef");
+    EXPECT_EQ(field("a").getPos(), 9223372036854775807L);
+    EXPECT_EQ(errorOf([&] { field("b").getPos(); }),
+              "field \"b\" lies beyond the range of positions (9223372036854775807 + 1)");
+    dict("s", "s|||\nx|UChar|||\ny|UChar||||-9223372036854775807\nw|UChar||||-9223372036854775807\n");
+    file = open("s", "abcdef");
+    EXPECT_EQ(errorOf([&] { field("w").getPos(); }),
+              "field \"w\" lies beyond the range of positions (-9223372036854775805 + -9223372036854775807)");
+}
