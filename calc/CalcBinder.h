@@ -13,10 +13,10 @@ namespace zun {
 class CalcBinder {
 public:
     virtual ~CalcBinder() = default;
-    virtual CalcNode* bindSymbol(const char* name) { return nullptr; }
-    virtual CalcIterator* bindIterator(int level) { return nullptr; }
+    virtual CalcNode* bindSymbol(const char* /*name*/) { return nullptr; }
+    virtual CalcIterator* bindIterator(int /*level*/) { return nullptr; }
     // A non-null answer has taken args over (see CalcNode.h).
-    virtual CalcNode* bindFunction(const char* name, ObjAppendListP<CalcNode>* args) { return nullptr; }
+    virtual CalcNode* bindFunction(const char* /*name*/, ObjAppendListP<CalcNode>* /*args*/) { return nullptr; }
 };
 
 // An ordered list of binders, each borrowed or owned.

@@ -151,7 +151,7 @@ int CalcNodeVector::valType() { return generation > 0 && total > 0 ? lastGenerat
 
 CalcNode* CalcNodeVector::implements(const char* what) { return what && same(what, "vector") ? this : nullptr; }
 
-CalcNode* CalcNodeVector::assigned(String& name) {
+CalcNode* CalcNodeVector::assigned(String& /*name*/) {
     bindActive = false;
     return this;
 }

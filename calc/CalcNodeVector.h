@@ -65,7 +65,7 @@ public:
     String valPrint() override;
     String valInit() override;
     void reset() override {}
-    void reset(int level) override {}
+    void reset(int /*level*/) override {}
     bool activates() override;
     void activate(bool force) override;
     CalcNode* reduce() override { return nullptr; }

@@ -26,7 +26,7 @@ zun::CalcIterator* CalcBinder::bindIterator(int level) {
     return new CalcArrayIterator(level, alias.target);
 }
 
-zun::CalcNode* CalcBinder::bindFunction(const char* name, zun::ObjAppendListP<zun::CalcNode>* args) {
+zun::CalcNode* CalcBinder::bindFunction(const char* /*name*/, zun::ObjAppendListP<zun::CalcNode>* /*args*/) {
     return nullptr;
 }
 

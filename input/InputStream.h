@@ -43,7 +43,7 @@ public:
     virtual bool fail() const = 0;
     virtual int peek() = 0;  // the next byte, or -1
     virtual long size() = 0;
-    virtual long size(long index) { return size(); }
+    virtual long size(long /*index*/) { return size(); }
     // Reads up to n bytes into buf; returns done plus the number read.
     virtual unsigned long bufread(char* buf, unsigned long n, unsigned long done = 0) = 0;
 

@@ -371,13 +371,13 @@ char StructElem::readChar() {
     return c;
 }
 
-String StructElem::readAll(bool compress) {
+String StructElem::readAll(bool /*compress*/) {
     String text;
     readString(text, 0);
     return text;
 }
 
-String StructElem::readHex(bool compress) {
+String StructElem::readHex(bool /*compress*/) {
     zun::RawBuffer buffer;
     readBuf(buffer, 1);
     return buffer.hex();
@@ -391,37 +391,37 @@ void StructElem::readInvalid(const char* requested) {
     throw ErrorReadInvalid(getPathName().str(), getTypeStr(0).str(), requested);
 }
 
-std::stringstream& StructElem::readStr(std::stringstream& out, int append) {
+std::stringstream& StructElem::readStr(std::stringstream& /*out*/, int /*append*/) {
     readInvalid("String");
 }
-String& StructElem::readString(String& target, int append) {
+String& StructElem::readString(String& /*target*/, int /*append*/) {
     readInvalid("String");
 }
-zun::JulianDate& StructElem::readDateTime(zun::JulianDate& date) {
+zun::JulianDate& StructElem::readDateTime(zun::JulianDate& /*date*/) {
     readInvalid("DateTime");
 }
-short& StructElem::readSShort(short& v) {
+short& StructElem::readSShort(short& /*v*/) {
     readInvalid("SShort");
 }
-unsigned short& StructElem::readUShort(unsigned short& v) {
+unsigned short& StructElem::readUShort(unsigned short& /*v*/) {
     readInvalid("UShort");
 }
-long& StructElem::readSLong(long& v) {
+long& StructElem::readSLong(long& /*v*/) {
     readInvalid("SLong");
 }
-unsigned long& StructElem::readULong(unsigned long& v) {
+unsigned long& StructElem::readULong(unsigned long& /*v*/) {
     readInvalid("ULong");
 }
-long long& StructElem::readSLLong(long long& v) {
+long long& StructElem::readSLLong(long long& /*v*/) {
     readInvalid("SLLong");
 }
-unsigned long long& StructElem::readULLong(unsigned long long& v) {
+unsigned long long& StructElem::readULLong(unsigned long long& /*v*/) {
     readInvalid("ULLong");
 }
-float& StructElem::readFloat(float& v) {
+float& StructElem::readFloat(float& /*v*/) {
     readInvalid("Float");
 }
-double& StructElem::readDouble(double& v) {
+double& StructElem::readDouble(double& /*v*/) {
     readInvalid("Double");
 }
 

@@ -107,7 +107,7 @@ public:
     virtual bool explodes() const { return false; }
     // Whether the type stays the same for all positions of the arrays at
     // structure level `level` and deeper.
-    virtual bool isFixedType(int level) { return true; }
+    virtual bool isFixedType(int /*level*/) { return true; }
     virtual zun::String getTypeStr(int level) = 0;
     virtual const zun::String& getUnit() { return unit; }
     virtual const zun::String& getDictionaryPath() const;

@@ -189,7 +189,7 @@ long StructRec::addVirtual(const char* name, ElemType type, const char* unit, co
     return fields.count;
 }
 
-long StructRec::addVirtualLink(const char* name, const char* a, const char* b, const char* c) {
+long StructRec::addVirtualLink(const char* name, const char* /*a*/, const char* /*b*/, const char* /*c*/) {
     numElems();
     String text("unsupported virtual link \"");
     text += name;
@@ -197,7 +197,7 @@ long StructRec::addVirtualLink(const char* name, const char* a, const char* b, c
     throw ErrorDictionary(getDictionaryPath().str(), text.str());
 }
 
-long StructRec::addAuxFile(const char* name, const char* a, const char* b, const char* c) {
+long StructRec::addAuxFile(const char* name, const char* /*a*/, const char* /*b*/, const char* /*c*/) {
     numElems();
     String text("unsupported auxiliary field \"");
     text += name;

@@ -35,7 +35,7 @@ protected:
     // Where the names of the size statement are looked up from, and the text
     // to parse: the element itself and the whole text, unless a class says
     // otherwise.
-    virtual StructElem* sizeBinding(const char*& text) { return this; }
+    virtual StructElem* sizeBinding(const char*& /*text*/) { return this; }
     // Replaces the size text (a dictionary header's size word); the parsed
     // statement is dropped.
     void setSizeText(const zun::String& text);

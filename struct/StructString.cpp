@@ -48,7 +48,7 @@ std::stringstream& StructString::readStr(std::stringstream& out, int append) {
     return readStrBytes(*this, out, append);
 }
 
-String StructString::readAll(bool compress) {
+String StructString::readAll(bool /*compress*/) {
     String text("");
     readString(text, 1);
     text.escape(true);
@@ -68,7 +68,7 @@ std::stringstream& StructVarString::readStr(std::stringstream& out, int append) 
     return readStrBytes(*this, out, append);
 }
 
-String StructVarString::readAll(bool compress) {
+String StructVarString::readAll(bool /*compress*/) {
     String text("\"");
     readString(text, 1);
     text.swap("\n", "\\n");
@@ -94,7 +94,7 @@ std::stringstream& StructAChar::readStr(std::stringstream& out, int append) {
     return out;
 }
 
-String StructAChar::readAll(bool compress) {
+String StructAChar::readAll(bool /*compress*/) {
     String text("");
     readString(text, 0);
     if (text.isEmpty()) return String("'\\0'");
@@ -107,7 +107,7 @@ String StructAChar::readAll(bool compress) {
 
 String StructNull::getTypeStr(int) { return String("Null"); }
 
-String StructNull::readAll(bool compress) { return String("(null)"); }
+String StructNull::readAll(bool /*compress*/) { return String("(null)"); }
 
 String& StructNull::readString(String& target, int append) {
     if (!append) target = "";

@@ -95,8 +95,11 @@ void BinOutput::write(const char* bytes, long n) {
     out->flush();
 }
 
+// The index range (first, last, step) applies to arrays, which the reader
+// walks row by row; records and leaves have none.
 void read_base(StructElem& element, const FieldList& fields, BinOutput* bin, const char* xopt, bool explode,
-               bool compress, int width, long first, long last, long step) {
+               bool compress, int width, [[maybe_unused]] long first, [[maybe_unused]] long last,
+               [[maybe_unused]] long step) {
     if (element.isAnArray()) {
         // Arrays are read row by row through an array reader; the reader
         // doesn't build arrays yet, so none can reach this point.

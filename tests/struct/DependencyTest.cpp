@@ -35,7 +35,7 @@ public:
         element->offset.registerWith(getParentArray(0));
     }
     long numElems() override { return dim; }
-    String getTypeStr(int level) override { return String("(walk)"); }
+    String getTypeStr(int /*level*/) override { return String("(walk)"); }
     void setSizeByCumul() override {
         setArray(dim - 1);
         size = element->getOffset() + element->getSize();
