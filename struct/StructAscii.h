@@ -27,30 +27,24 @@ protected:
 // A number written as text that stands for a binary N: its typed reads follow
 // the rule of the numbers (readsAs), without the other sign of N's width.
 template <class N>
-class StructAsciiNumOf : public StructAsciiNum {
-public:
-    using StructAsciiNum::StructAsciiNum;
+class StructAsciiNumOf : public TypedReads<StructAsciiNumOf<N>, StructAsciiNum> {
+    friend class TypedReads<StructAsciiNumOf<N>, StructAsciiNum>;
 
-    zun::String getTypeStr(int) override { return zun::String(elemTypeName(getType())); }
-    short& readSShort(short& v) override { return readAs(v); }
-    unsigned short& readUShort(unsigned short& v) override { return readAs(v); }
-    long& readSLong(long& v) override { return readAs(v); }
-    unsigned long& readULong(unsigned long& v) override { return readAs(v); }
-    long long& readSLLong(long long& v) override { return readAs(v); }
-    unsigned long long& readULLong(unsigned long long& v) override { return readAs(v); }
-    float& readFloat(float& v) override { return readAs(v); }
-    double& readDouble(double& v) override { return readAs(v); }
+public:
+    using TypedReads<StructAsciiNumOf<N>, StructAsciiNum>::TypedReads;
+
+    zun::String getTypeStr(int) override { return zun::String(elemTypeName(this->getType())); }
     // The bytes of the binary N that the text stands for.
     zun::String readHexNum(bool) override {
         N v;
-        return hexOf(parse(v));
+        return this->hexOf(this->parse(v));
     }
 
 private:
     template <class U>
     U& readAs(U& v) {
-        if constexpr (readsAs<N, U>(false)) return parse(v);
-        else readInvalid(readWord<U>());
+        if constexpr (readsAs<N, U>(false)) return this->parse(v);
+        else this->readInvalid(readWord<U>());
     }
 };
 

@@ -36,19 +36,19 @@ int formatNumber(char* buffer, double v) {
 
 template <class T>
 void StructNum<T>::setSize() {
-    if constexpr (std::is_same<T, short>::value || std::is_same<T, unsigned short>::value) size = 2;
-    else if constexpr (std::is_same<T, float>::value) size = 4;
-    else size = 8;
+    if constexpr (std::is_same<T, short>::value || std::is_same<T, unsigned short>::value) this->size = 2;
+    else if constexpr (std::is_same<T, float>::value) this->size = 4;
+    else this->size = 8;
 }
 
 template <class T>
 T& StructNum<T>::read(T& v) {
-    unsigned short fieldSize = static_cast<unsigned short>(getSize());
-    zun::InputStream* in = initRead();
+    unsigned short fieldSize = static_cast<unsigned short>(this->getSize());
+    zun::InputStream* in = this->initRead();
     v = 0;
     unsigned long got = in->read_swap(reinterpret_cast<char*>(&v), sizeof(T), fieldSize, std::is_signed<T>::value);
     unsigned long wanted = fieldSize < sizeof(T) ? fieldSize : sizeof(T);
-    checkRead(*in, got, wanted);
+    this->checkRead(*in, got, wanted);
     return v;
 }
 

@@ -60,28 +60,41 @@ int formatNumber(char* buffer, unsigned long long v);
 int formatNumber(char* buffer, double v);
 inline int formatNumber(char* buffer, float v) { return formatNumber(buffer, static_cast<double>(v)); }
 
+// The eight typed reads of Base, each answered by Self::readAs<U>.
+template <class Self, class Base>
+class TypedReads : public Base {
+public:
+    using Base::Base;
+
+    short& readSShort(short& v) override { return self().readAs(v); }
+    unsigned short& readUShort(unsigned short& v) override { return self().readAs(v); }
+    long& readSLong(long& v) override { return self().readAs(v); }
+    unsigned long& readULong(unsigned long& v) override { return self().readAs(v); }
+    long long& readSLLong(long long& v) override { return self().readAs(v); }
+    unsigned long long& readULLong(unsigned long long& v) override { return self().readAs(v); }
+    float& readFloat(float& v) override { return self().readAs(v); }
+    double& readDouble(double& v) override { return self().readAs(v); }
+
+private:
+    Self& self() { return static_cast<Self&>(*this); }
+};
+
 template <class T>
-class StructNum : public StructElem {
+class StructNum : public TypedReads<StructNum<T>, StructElem> {
+    friend class TypedReads<StructNum<T>, StructElem>;
+
 public:
     StructNum(StructElem* prev, StructElem* parent, const char* name, const char* unit, long size)
-        : StructElem(prev, parent, name, unit, size) {}
+        : TypedReads<StructNum<T>, StructElem>(prev, parent, name, unit, size) {}
 
     // The natural width of T in the file: 2, 8, 4 or 8 bytes.
     void setSize() override;
-    zun::String getTypeStr(int) override { return zun::String(elemTypeName(getType())); }
+    zun::String getTypeStr(int) override { return zun::String(elemTypeName(this->getType())); }
     std::stringstream& readStr(std::stringstream& out, int append) override;
     zun::String& readString(zun::String& target, int append) override;
     // Reads the field into v, converting the byte order of the stream.
     virtual T& read(T& v);
 
-    short& readSShort(short& v) override { return readAs(v); }
-    unsigned short& readUShort(unsigned short& v) override { return readAs(v); }
-    long& readSLong(long& v) override { return readAs(v); }
-    unsigned long& readULong(unsigned long& v) override { return readAs(v); }
-    long long& readSLLong(long long& v) override { return readAs(v); }
-    unsigned long long& readULLong(unsigned long long& v) override { return readAs(v); }
-    float& readFloat(float& v) override { return readAs(v); }
-    double& readDouble(double& v) override { return readAs(v); }
 
 protected:
     // Reads the field and converts its value to U, where the rule allows it.
@@ -93,7 +106,7 @@ protected:
             v = static_cast<U>(t);
             return v;
         } else {
-            readInvalid(readWord<U>());
+            this->readInvalid(readWord<U>());
         }
     }
 };

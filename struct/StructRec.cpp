@@ -219,24 +219,22 @@ String StructRec::readAll(bool compress) {
     return text;
 }
 
-String StructRec::readHex(bool compress) {
+String StructRec::joinHex(String (StructElem::*hex)(bool), bool compress) {
     long n = numElems();
     String text("");
     for (long i = 0; i < n; ++i) {
         text += '\'';
-        text += fields.data[i]->readHex(compress);
+        text += (fields.data[i]->*hex)(compress);
     }
     return text;
 }
 
+String StructRec::readHex(bool compress) {
+    return joinHex(&StructElem::readHex, compress);
+}
+
 String StructRec::readHexNum(bool compress) {
-    long n = numElems();
-    String text("");
-    for (long i = 0; i < n; ++i) {
-        text += '\'';
-        text += fields.data[i]->readHexNum(compress);
-    }
-    return text;
+    return joinHex(&StructElem::readHexNum, compress);
 }
 
 std::stringstream& StructRec::readStr(std::stringstream& out, int append) {

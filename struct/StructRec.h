@@ -121,6 +121,8 @@ protected:
     void clearFields();
 
 private:
+    // Each field's hexadecimal text behind a "'".
+    zun::String joinHex(zun::String (StructElem::*hex)(bool), bool compress);
     void findSoleField();
     void deleteFrom(long fieldCount, long markerCount);
     // The last field's value as text: the next dictionary of an auto-descriptive chain.
