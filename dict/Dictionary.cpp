@@ -195,15 +195,13 @@ StructElem* Dictionary::makeElement(StructElem* prev, StructElem* parent, Struct
     field.size = columns[3];
     field.dims = columns[4];
     field.offset = columns[5];
-    const String& dims = field.dims;
-    bool isArray = !dims.isEmpty() && !(dims.isInteger() && dims.toLong() == 1);
     std::unique_ptr<StructElem> marker;
     try {
         if (line[0] == '~') {
             field.name = field.name.substr(1);
             field.type = "~" + field.type;
             checkFieldName(field.name);
-            if (isArray) throw String("unsupported array field ") + quoted(field.name);
+            if (field.isArray()) throw String("unsupported array field ") + quoted(field.name);
             return parent->createChild(prev, field);
         }
         if (count < 4) throw ErrorDictionary(path().str(), "Missing Columns");
@@ -225,7 +223,6 @@ StructElem* Dictionary::makeElement(StructElem* prev, StructElem* parent, Struct
             prev = marker.get();
         }
         checkFieldName(fieldName);
-        if (isArray) throw String("unsupported array field ") + quoted(fieldName);
         StructElem* e = parent->createChild(prev, field);
         offsetElem = marker.release();
         return e;

@@ -28,6 +28,9 @@ struct FieldLine {
     zun::String size;
     zun::String dims;     // array dimensions; empty or "1" for a scalar
     zun::String offset;   // where the field stands; empty: behind its predecessor
+
+    // An array: a dims column that is neither empty nor the integer 1.
+    bool isArray() const { return !dims.isEmpty() && !(dims.isInteger() && dims.toLong() == 1); }
 };
 
 class Dictionary {

@@ -5,12 +5,15 @@
 #include <cstring>
 
 #include "dict/Dictionary.h"
+#include "calc/CalcScanner.h"
+#include "struct/StructArray.h"
 #include "struct/StructAscii.h"
 #include "struct/StructBase.h"
 #include "struct/StructDate.h"
 #include "struct/StructElem.h"
 #include "struct/StructNum.h"
 #include "struct/StructRec.h"
+#include "struct/StructSpare.h"
 #include "struct/StructString.h"
 
 using zun::quoted;
@@ -66,8 +69,27 @@ StructElem* null(const FieldLine& line, StructElem* prev, StructElem* parent, lo
     return new StructNull(prev, parent, line.name.str());
 }
 
-StructElem* spare(const FieldLine& line, StructElem*, StructElem*, long) {
-    throw String("unsupported field type ") + quoted(line.type);
+StructElem* spare(const FieldLine& line, StructElem* prev, StructElem* parent, long) {
+    return new StructSpare(prev, parent, line.name.str(), line.size.text);
+}
+
+// An array line: the size column is "<element size>, <array size>", split at
+// its first comma outside parentheses.
+StructElem* array(const FieldLine& line, StructElem* prev, StructElem* parent) {
+    String detail = line.size;
+    String arraySize("");
+    if (!line.size.isEmpty()) {
+        zun::CalcScanner scanner(line.size.str());
+        String head = scanner.scan(0);
+        if (!scanner.atEnd() && scanner.stopChar == ',') {
+            detail = head;
+            arraySize = scanner.skip(1).flush();
+        }
+    }
+    detail.trim(0);
+    arraySize.trim(0);
+    return new StructArray(line.type.str(), line.unit.text, detail.text, prev, parent, line.name.str(),
+                           arraySize.str(), line.dims.str());
 }
 
 StructElem* unionField(const FieldLine& line, StructElem*, StructElem*, long) {
@@ -208,6 +230,7 @@ StructElem* StructElem::createChild(StructElem* prev, const String& name, const 
 
 StructElem* StructElem::createChild(StructElem* prev, const FieldLine& line) {
     const String& type = line.type;
+    if (line.isArray() && type[0] != '~') return array(line, prev, this);
     if (type[0] == '~') {
         String word = type.substr(1);
         if (knownVirtualType(word)) throw String("unsupported virtual field ") + quoted(line.name);

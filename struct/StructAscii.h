@@ -6,6 +6,9 @@
 // hold it in binary.
 #pragma once
 
+#include <sstream>
+#include <string>
+
 #include "struct/StructNum.h"
 #include "struct/StructString.h"
 
@@ -41,6 +44,24 @@ public:
     }
 
 private:
+    // The run of n text fields behind the one just read, each parsed as U the
+    // way parse() does: up to the first zero byte, blanks first skipped, a
+    // bad text giving 0.
+    template <class U>
+    void readRunAs(U* target, long n) {
+        zun::InputStream& in = *this->getBase()->input;
+        long size = this->getSize();
+        std::string bytes(static_cast<size_t>(size) + 1, '\0');
+        std::istringstream text;
+        for (long i = 0; i < n; ++i) {
+            in.bufread(&bytes[0], static_cast<unsigned long>(size), 0);
+            text.clear();
+            text.str(bytes.c_str());
+            U v = 0;
+            text >> v;
+            target[i] = v;
+        }
+    }
     template <class U>
     U& readAs(U& v) {
         if constexpr (readsAs<N, U>(false)) return this->parse(v);

@@ -425,6 +425,22 @@ double& StructElem::readDouble(double& /*v*/) {
     readInvalid("Double");
 }
 
+#define VEXA_NO_RUN(T)                                                       \
+    void StructElem::readRun(T*, long) {                                     \
+        throw ErrorInternal("invalid virtual call in StructElem::readRun");  \
+    }
+
+VEXA_NO_RUN(short)
+VEXA_NO_RUN(unsigned short)
+VEXA_NO_RUN(long)
+VEXA_NO_RUN(unsigned long)
+VEXA_NO_RUN(long long)
+VEXA_NO_RUN(unsigned long long)
+VEXA_NO_RUN(float)
+VEXA_NO_RUN(double)
+
+#undef VEXA_NO_RUN
+
 // ---------------------------------------------------------------------------
 // The list family. Values are read first and appended afterwards, so that a
 // failure leaves the list as it was; the object forms append an empty object

@@ -184,6 +184,19 @@ public:
     virtual void readCharA(zun::ObjAppendList<char>& list);
     virtual void readCharA(zun::ObjAppendList<char>& list, const char* field);
 
+    // Runs of numbers, the fast path of the list reads of arrays: n values of
+    // this element's kind lying back to back from where the input stands,
+    // converted as the typed reads convert. Only plain number leaves can.
+    virtual bool canReadRun() const { return false; }
+    virtual void readRun(short* target, long n);
+    virtual void readRun(unsigned short* target, long n);
+    virtual void readRun(long* target, long n);
+    virtual void readRun(unsigned long* target, long n);
+    virtual void readRun(long long* target, long n);
+    virtual void readRun(unsigned long long* target, long n);
+    virtual void readRun(float* target, long n);
+    virtual void readRun(double* target, long n);
+
     // Called on each child once a record has read its dictionary.
     virtual void initialise() {}
     // The element itself when `name` equals the field name exactly, else null.

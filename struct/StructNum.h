@@ -5,6 +5,8 @@
 
 #include <type_traits>
 
+#include "input/InputStream.h"
+#include "struct/StructBase.h"
 #include "struct/StructElem.h"
 
 namespace vexa {
@@ -75,9 +77,53 @@ public:
     float& readFloat(float& v) override { return self().readAs(v); }
     double& readDouble(double& v) override { return self().readAs(v); }
 
+    bool canReadRun() const override { return true; }
+    void readRun(short* target, long n) override { self().readRunAs(target, n); }
+    void readRun(unsigned short* target, long n) override { self().readRunAs(target, n); }
+    void readRun(long* target, long n) override { self().readRunAs(target, n); }
+    void readRun(unsigned long* target, long n) override { self().readRunAs(target, n); }
+    void readRun(long long* target, long n) override { self().readRunAs(target, n); }
+    void readRun(unsigned long long* target, long n) override { self().readRunAs(target, n); }
+    void readRun(float* target, long n) override { self().readRunAs(target, n); }
+    void readRun(double* target, long n) override { self().readRunAs(target, n); }
+
 private:
     Self& self() { return static_cast<Self&>(*this); }
 };
+
+// n values of a field type F, each `size` bytes in the file, lying back to
+// back from where in stands, into target as T. Values of their natural width
+// come in one read and are swapped in place when the input's byte order
+// isn't the machine's; other widths go one by one through read_swap.
+template <class F>
+void readFieldRun(zun::InputStream& in, F* target, long n, long size) {
+    if (n <= 0) return;
+    if (size == static_cast<long>(sizeof(F))) {
+        in.typeReadBuffer(target, static_cast<unsigned long>(n));
+        return;
+    }
+    for (long i = 0; i < n; ++i) {
+        target[i] = 0;
+        in.read_swap(reinterpret_cast<char*>(target + i), sizeof(F), static_cast<unsigned short>(size),
+                     std::is_signed<F>::value || std::is_floating_point<F>::value);
+    }
+}
+
+template <class F, class T>
+void readFastArray(zun::InputStream& in, T* target, long n, long size) {
+    if constexpr (std::is_same<F, T>::value) {
+        readFieldRun(in, target, n, size);
+    } else {
+        // Converted in blocks, so that the temporary stays small however long the run.
+        const long block = 4096;
+        F values[block];
+        for (long done = 0; done < n; done += block) {
+            long k = n - done < block ? n - done : block;
+            readFieldRun(in, values, k, size);
+            for (long i = 0; i < k; ++i) target[done + i] = static_cast<T>(values[i]);
+        }
+    }
+}
 
 template <class T>
 class StructNum : public TypedReads<StructNum<T>, StructElem> {
@@ -97,6 +143,11 @@ public:
 
 
 protected:
+    // The run of n values behind the one just read, as U.
+    template <class U>
+    void readRunAs(U* target, long n) {
+        readFastArray<T, U>(*this->getBase()->input, target, n, this->getSize());
+    }
     // Reads the field and converts its value to U, where the rule allows it.
     template <class U>
     U& readAs(U& v) {

@@ -7,6 +7,7 @@
 
 #include "base/Exception.h"
 #include "base/RawBuffer.h"
+#include "struct/ArrayReader.h"
 #include "struct/Error.h"
 #include "struct/StructAlias.h"
 #include "struct/StructElem.h"
@@ -95,15 +96,66 @@ void BinOutput::write(const char* bytes, long n) {
     out->flush();
 }
 
+namespace {
+
+// One row of an array: each column's element, positioned, then printed.
+void printRow(vexa::ArrayReader& reader, BinOutput* bin, const char* xopt, bool explode, bool compress, int width) {
+    for (long c = 0; c < reader.columns.count; ++c) {
+        StructAlias* column = reader.getNextColumn();
+        print_element(*column->resolve(), bin, explode, xopt, compress, width);
+    }
+}
+
+// An array as a table: the rows first..last by step (backwards with a
+// negative step), one line per column of each row.
+void readArray(StructElem& element, const FieldList& fields, BinOutput* bin, const char* xopt, bool explode,
+               bool compress, int width, long first, long last, long step) {
+    vexa::ArrayReader reader(element);
+    if (fields.count == 0) {
+        if (bin) reader.columns << new StructAlias(*reader.getElement());
+        else reader << "*";
+    }
+    for (long i = 0; i < fields.count; ++i) {
+        long before = reader.columns.count;
+        reader << fields[i].str();
+        if (reader.columns.count == before) warnNoMatch(fields[i]);
+    }
+    if (reader.columns.count == 0) return;
+    reader = first;
+    long rows = reader.numRows();
+    if (step > 0) {
+        while (reader.row >= 0 && (last < 0 || reader.row <= last)) {
+            printRow(reader, bin, xopt, explode, compress, width);
+            reader += step;
+        }
+        return;
+    }
+    if (rows < 0) {
+        // An unbound array: walk to its end, or past last, to count the rows.
+        long reached = reader.row;
+        while (reader.row >= 0 && (last < 0 || reader.row <= last)) {
+            reached = reader.row + 1;
+            reader += 1;
+        }
+        rows = reached;
+    }
+    long start = last >= 0 && last < rows ? last : rows - 1;
+    reader = start;
+    while (reader.row >= first) {
+        printRow(reader, bin, xopt, explode, compress, width);
+        reader += step;
+    }
+}
+
+}  // namespace
+
 // The index range (first, last, step) applies to arrays, which the reader
 // walks row by row; records and leaves have none.
 void read_base(StructElem& element, const FieldList& fields, BinOutput* bin, const char* xopt, bool explode,
-               bool compress, int width, [[maybe_unused]] long first, [[maybe_unused]] long last,
-               [[maybe_unused]] long step) {
+               bool compress, int width, long first, long last, long step) {
     if (element.isAnArray()) {
-        // Arrays are read row by row through an array reader; the reader
-        // doesn't build arrays yet, so none can reach this point.
-        throw vexa::ErrorInternal("array reading in read_base");
+        readArray(element, fields, bin, xopt, explode, compress, width, first, last, step);
+        return;
     }
     if (element.isSeenThrough()) {
         read_base(*element.getChild(nullptr), fields, bin, xopt, explode, compress, width, 0, -1, 1);

@@ -1,7 +1,7 @@
 // The dependency machinery: cached offsets and sizes registered with the
-// arrays that can move them, and marked stale when those arrays move. A small
-// array stands in for the real one: it holds one element and moves it over
-// the bytes one element at a time.
+// arrays that can move them, and marked stale when those arrays move. The
+// arrays hold records of hand-made fields, among them a string whose length
+// is the field before it.
 #include "TreeFixture.h"
 #include "dict/CalcBinder.h"
 #include "struct/Error.h"
@@ -21,54 +21,6 @@ using vexa::StructRec;
 using zun::String;
 
 namespace {
-
-// A fixed-count array that walks its element from the start.
-class WalkArray : public StructArray {
-public:
-    WalkArray(StructElem* prev, StructElem* parent, const char* name, long count)
-        : StructArray(prev, parent, name, "array", "") {
-        dim = count;
-    }
-    // Takes the element over; its offset moves with the arrays around this one.
-    void setElement(StructElem* e) {
-        element = e;
-        element->offset.registerWith(getParentArray(0));
-    }
-    long numElems() override { return dim; }
-    String getTypeStr(int /*level*/) override { return String("(walk)"); }
-    void setSizeByCumul() override {
-        setArray(dim - 1);
-        size = element->getOffset() + element->getSize();
-    }
-    StructElem* getField(const char* name) override {
-        if (!name || !*name) return this;
-        String index(name);
-        if (!index.isInteger()) throw vexa::ErrorArrayIndexInvalid(getPathName().str(), name);
-        return &(*this)[index.toLong()];
-    }
-    StructElem& operator[](long i) override {
-        setArray(i);
-        element->elemName = String();
-        element->elemName << activeIndex;
-        return *element;
-    }
-    void setArray(long i) override {
-        if (element->offset < 0) setPtr(0, 0);
-        if (i == activeIndex) return;
-        if (i < activeIndex) setPtr(0, 0);
-        stepArray(i - activeIndex);
-    }
-    void stepArray(long n) override {
-        for (long k = 0; k < n; ++k) setPtr(element->offset + element->getSize(), activeIndex + 1);
-    }
-
-private:
-    void setPtr(long place, long index) {
-        element->offset = place;
-        activeIndex = index;
-        invalidate();
-    }
-};
 
 // A string whose length is the value of the field before it, as a size
 // statement naming that field would give.
@@ -97,7 +49,7 @@ private:
 
 class Dependencies : public treetest::TreeTest {
 protected:
-    WalkArray* items = nullptr;   // a field of the root, owned by it
+    StructArray* items = nullptr;   // a field of the root, owned by it
     StructRec* item = nullptr;
     StructElem* len = nullptr;
     StructElem* textField = nullptr;
@@ -105,24 +57,25 @@ protected:
 
     StructBase& root() { return file->getRoot(); }
 
-    // A record of hand-made fields: the record's own code sizes it.
-    StructRec* record(StructElem* parent, const char* name) {
-        return new StructRec(dictPath("item").c_str(), root(), nullptr, parent, name, nullptr, "");
+    // An array of records of the empty dictionary "item", to be filled with
+    // hand-made fields: the record's own code sizes it.
+    StructArray* array(StructElem* prev, const char* name, const char* dims) {
+        return new StructArray(("@" + dictPath("item")).c_str(), nullptr, "", prev, &root(), name, "", dims);
     }
+    static StructRec* recordOf(StructElem* e) { return static_cast<StructRec*>(e); }
 
     // root: count (UChar), then an array "items" of 3 records {len, text, flag}.
     void buildVariable() {
         dict("item", "item|||\n");
         dict("r", "r|||\ncount|UChar|||\n");
         file = open("r", treetest::raw("\x03" "\x02" "ab" "\x0A" "\x00" "\x0B" "\x03" "xyz" "\x0C"));
-        items = new WalkArray(&root()[0], &root(), "items", 3);
+        items = array(&root()[0], "items", "3");
         root().fields << items;
-        item = record(items, "0");
+        item = recordOf(items->element);
         len = new vexa::StructNumUChar(nullptr, item, "len", nullptr, -1);
         textField = new LengthString(len, item, "text");
         flag = new vexa::StructNumUChar(textField, item, "flag", nullptr, -1);
         item->fields << len << textField << flag;
-        items->setElement(item);
     }
 
     long slotIndex(vexa::DepCell& cell) {
@@ -227,15 +180,13 @@ TEST_F(Dependencies, NestedArraysLinkOutward) {
     dict("r", "r|||\n");
     // outer: 2 rows of inner: 2 records {len, text}
     file = open("r", treetest::raw("\x01" "a" "\x00" "\x02" "bc" "\x01" "d"));
-    items = new WalkArray(nullptr, &root(), "outer", 2);
+    items = array(nullptr, "outer", "2,2");
     root().fields << items;
-    auto* inner = new WalkArray(nullptr, items, "0", 2);
-    items->setElement(inner);
-    StructRec* rec = record(inner, "0");
+    auto* inner = static_cast<StructArray*>(items->element);
+    StructRec* rec = recordOf(inner->element);
     StructElem* l = new vexa::StructNumUChar(nullptr, rec, "len", nullptr, -1);
     StructElem* t = new LengthString(l, rec, "text");
     rec->fields << l << t;
-    inner->setElement(rec);
     // the inner array's element offset moves with the outer array
     EXPECT_TRUE(registered(rec->offset));
     EXPECT_TRUE(linked(*items, slotIndex(rec->offset)));
@@ -323,9 +274,9 @@ TEST_F(Dependencies, LongRecordInsideAnArray) {
     bytes[0] = 3;          // element 0: a length of 3, three bytes of text, then n - 2 more fields
     bytes[n + 1] = 9;      // the last field of element 0
     file = open("r", bytes);
-    items = new WalkArray(nullptr, &root(), "items", 2);
+    items = array(nullptr, "items", "2");
     root().fields << items;
-    item = record(items, "0");
+    item = recordOf(items->element);
     StructElem* prev = new vexa::StructNumUChar(nullptr, item, "len", nullptr, -1);
     item->fields << prev;
     prev = new LengthString(prev, item, "text");
@@ -334,7 +285,6 @@ TEST_F(Dependencies, LongRecordInsideAnArray) {
         prev = new vexa::StructNumUChar(prev, item, ("f" + std::to_string(i)).c_str(), nullptr, -1);
         item->fields << prev;
     }
-    items->setElement(item);
     (*items)[0];
     // the last field asks first: every offset and dependency before it is worked out
     EXPECT_EQ(prev->getOffset(), n + 1);

@@ -18,11 +18,12 @@ protected:
     std::string line(const std::string& fieldLine) {
         dict("one", "one|||\n" + fieldLine + "\n");
         file = open("one", std::string(16, '\0'));
-        std::string error = errorOf([&] { file->getRoot().numElems(); });
+        std::string type;
+        std::string error = errorOf([&] { type = text(file->getRoot()[0].getTypeStr(0)); });
         std::string suffix = " in dictionary '" + dictPath("one") + "'";
         if (error.size() > suffix.size() && error.compare(error.size() - suffix.size(), suffix.size(), suffix) == 0)
             return error.substr(0, error.size() - suffix.size());
-        return error.empty() ? "made " + text(file->getRoot()[0].getTypeStr(0)) : error;
+        return error.empty() ? "made " + type : error;
     }
 
     // The columns that extractColumns finds in text, slots 3 to 5 marked.
@@ -73,14 +74,17 @@ TEST_F(Reader, LinesAndTheFactory) {
         {"a|UChar|||", "made UChar"}, {" ~x|UChar|||", "made UChar"}, {"a|UChar|||1", "made UChar"},
         {"~a|UChar", "unsupported virtual field \"a\""}, {"~a|Bogus||1", "unknown virtual field type \"Bogus\""},
         {"~a b|UChar||1", "invalid field name \"a b\""},
-        {"a|UChar|||1+0", "unsupported array field \"a\""}, {"a|UChar|||   ", "unsupported array field \"a\""},
-        {"a|UChar|||4", "unsupported array field \"a\""}, {"~a|UChar||1|3", "unsupported array field \"a\""},
+        {"a|UChar|||1+0", "made (1*UChar)"}, {"a|UChar|||   ", "dimension reference \" \" of structure \"a\" returns nan"},
+        {"a|UChar|||4", "made (4*UChar)"}, {"~a|UChar||1|3", "unsupported array field \"a\""},
+        {"a|UChar|||-4", "array \"a\" invalid negative array dimension \"-4\""},
+        {"a|UChar|||2,-1", "array \"a\" invalid negative array dimension \"-1\""},
+        {"a|UShort||,6|3,1+1", "made (3*(2*UShort))"}, {"a|?Char|alts||", "unsupported union field \"a\""},
         {"a|SChar||1|", "made SChar"}, {"a|AChar||0|", "made AChar"}, {"a|ULLong||5|", "made ULLong"},
         {"a|SLong||8|", "invalid size for Long field '8'"}, {"a|UShort||3|", "invalid size for Short field '3'"},
         {"a|Date||4|", "made Date"}, {"a|aXLLong||6|", "made aSLLong"}, {"a|aDateTime|1970|20|", "made aDateTime"},
         {"a|String||0|", "made String"}, {"a|String|||", "invalid size for String field ''"},
         {"a|String||-3|", "a invalid negative size '-3'"}, {"a|UShort||n*2|", "made UShort"},
-        {"a|float|||", "unknown field type \"float\""}, {"a|Spare||8|", "unsupported field type \"Spare\""},
+        {"a|float|||", "unknown field type \"float\""}, {"a|Spare||8|", "made (8*UChar)"},
         {"a|?x|alts||", "unsupported union field \"a\""}, {"a|Null|||", "made Null"},
     };
     for (const auto& r : rows) EXPECT_EQ(line(r[0]), r[1]) << r[0];
