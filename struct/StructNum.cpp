@@ -1,6 +1,9 @@
 #include "struct/StructNum.h"
 
 #include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <type_traits>
 
 #include "input/InputStream.h"
@@ -27,8 +30,136 @@ int formatNumber(char* buffer, unsigned long v) { return formatInteger(buffer, v
 int formatNumber(char* buffer, long long v) { return formatInteger(buffer, v); }
 int formatNumber(char* buffer, unsigned long long v) { return formatInteger(buffer, v); }
 
+namespace {
+
+using u128 = unsigned __int128;
+
+constexpr int maxScale = 25;  // 5^25 < 2^59: M * 5^p fits 128 bits
+struct Powers {
+    uint64_t five[maxScale + 1];
+    uint64_t ten[maxScale + 1];
+    constexpr Powers() : five(), ten() {
+        uint64_t f = 1, t = 1;
+        for (int i = 0; i <= maxScale; ++i, f *= 5, t = i <= 19 ? t * 10 : t) {
+            five[i] = f;
+            ten[i] = t;
+        }
+    }
+};
+constexpr Powers powers;
+
+// The six leading decimal digits of a = M * 2^E scaled by 10^p (p = 5 - e10),
+// rounded half to even as an exact conversion rounds; -1 when the scaling
+// can't be done exactly here, -2 when the scaled value has seven digits
+// before rounding (e10 was one too low).
+long sixDigits(uint64_t m, int e, int p) {
+    u128 whole;
+    int cmp;  // the part behind the digits against one half: -1 below, 0 equal, 1 above
+    if (p >= 0) {
+        if (p > maxScale) return -1;
+        u128 prod = static_cast<u128>(m) * powers.five[p];
+        int shift = e + p;
+        if (shift >= 0) {
+            if (shift > 40) return -1;
+            whole = prod << shift;
+            cmp = -1;
+        } else {
+            int k = -shift;
+            if (k > 120) return -1;
+            whole = prod >> k;
+            u128 rem = prod & ((static_cast<u128>(1) << k) - 1);
+            u128 half = static_cast<u128>(1) << (k - 1);
+            cmp = rem < half ? -1 : rem == half ? 0 : 1;
+        }
+    } else {
+        int q = -p;
+        if (q > 19 || e > 60 || e < -60) return -1;
+        u128 num = static_cast<u128>(m);
+        u128 den = powers.ten[q];
+        if (e >= 0) num <<= e;
+        else den <<= -e;
+        whole = num / den;
+        u128 rem2 = (num % den) * 2;
+        cmp = rem2 < den ? -1 : rem2 == den ? 0 : 1;
+    }
+    if (whole >= 10000000) return -1;
+    if (whole >= 1000000) return -2;
+    long w = static_cast<long>(whole);
+    if (cmp > 0 || (cmp == 0 && (w & 1))) ++w;
+    return w;
+}
+
+// "%g" with six significant digits for finite values of magnitude 1e-20 to
+// 1e20, the range of almost every value a file holds, computed exactly in
+// integers; 0 outside that range, where the general conversion takes over.
+int formatSixDigits(char* out, double v) {
+    double a = std::fabs(v);
+    if (!(a >= 1e-20 && a < 1e20)) return 0;
+    uint64_t bits;
+    __builtin_memcpy(&bits, &a, sizeof bits);
+    int biased = static_cast<int>(bits >> 52);
+    uint64_t mant = (bits & ((uint64_t(1) << 52) - 1)) | (uint64_t(1) << 52);
+    int e = biased - 1075;  // a = mant * 2^e
+    // floor(log10(a)), or one less: a lies in [2^(biased-1023), 2^(biased-1022)),
+    // and 78913 / 2^18 is log10(2) to the precision that this range needs.
+    int e10 = ((biased - 1023) * 78913) >> 18;
+    long m = sixDigits(mant, e, 5 - e10);
+    if (m == -2) {
+        // The estimate was one too low.
+        ++e10;
+        m = sixDigits(mant, e, 5 - e10);
+    }
+    if (m < 0) return 0;
+    if (m >= 1000000) {
+        m /= 10;  // rounded up to the next power of ten
+        ++e10;
+    }
+    if (m < 100000) return 0;
+    static const char pairs[] =
+        "0001020304050607080910111213141516171819202122232425262728293031323334353637383940414243444546474849"
+        "5051525354555657585960616263646566676869707172737475767778798081828384858687888990919293949596979899";
+    char d[6];
+    long hi = m / 10000, mid = m / 100 % 100, lo = m % 100;
+    __builtin_memcpy(d, pairs + 2 * hi, 2);
+    __builtin_memcpy(d + 2, pairs + 2 * mid, 2);
+    __builtin_memcpy(d + 4, pairs + 2 * lo, 2);
+    int last = 5;  // the last significant digit
+    while (last > 0 && d[last] == '0') --last;
+    char* o = out;
+    if (v < 0) *o++ = '-';
+    if (e10 < -4 || e10 >= 6) {
+        *o++ = d[0];
+        if (last > 0) {
+            *o++ = '.';
+            for (int i = 1; i <= last; ++i) *o++ = d[i];
+        }
+        *o++ = 'e';
+        int x = e10;
+        *o++ = x < 0 ? '-' : '+';
+        if (x < 0) x = -x;
+        *o++ = static_cast<char>('0' + x / 10);
+        *o++ = static_cast<char>('0' + x % 10);
+    } else if (e10 >= 0) {
+        for (int i = 0; i <= e10; ++i) *o++ = d[i];
+        if (last > e10) {
+            *o++ = '.';
+            for (int i = e10 + 1; i <= last; ++i) *o++ = d[i];
+        }
+    } else {
+        *o++ = '0';
+        *o++ = '.';
+        for (int i = -1; i > e10; --i) *o++ = '0';
+        for (int i = 0; i <= last; ++i) *o++ = d[i];
+    }
+    *o = 0;
+    return static_cast<int>(o - out);
+}
+
+}  // namespace
+
 int formatNumber(char* buffer, double v) {
     // "%g" with six significant digits, as the default stream format writes it.
+    if (int n = formatSixDigits(buffer, v)) return n;
     std::to_chars_result r = std::to_chars(buffer, buffer + 31, v, std::chars_format::general, 6);
     *r.ptr = 0;
     return static_cast<int>(r.ptr - buffer);

@@ -86,3 +86,23 @@ TEST(NumberFormat, RandomValuesAsTheStream) {
         ASSERT_EQ(formatted(f), streamed(static_cast<double>(f)));
     }
 }
+
+TEST(NumberFormat, ValuesAtTheEdgesOfSixDigits) {
+    // Values of few binary digits, the boundaries of the six digits and of the
+    // switch to exponents, and near-ties of the rounding, in every decade the
+    // fast formatting covers and beyond.
+    std::mt19937_64 random(11);
+    for (int e = -24; e <= 24; ++e) {
+        double decade = std::pow(10.0, e);
+        for (double v : {decade, std::nextafter(decade, 0.0), std::nextafter(decade, 1e300), 9.999995 * decade,
+                         9.999994999 * decade, 1.000005 * decade, 1.0000049999 * decade, 1.234565 * decade,
+                         2.5 * decade, 0.125 * decade}) {
+            ASSERT_EQ(formatted(v), streamed(v)) << v;
+            ASSERT_EQ(formatted(-v), streamed(-v)) << -v;
+        }
+    }
+    for (int i = 0; i < 200000; ++i) {
+        double k = static_cast<double>(random() % 20000001) - 10000000.0;
+        for (double v : {k * 0.125, k / 1024.0, k * 1e-6, k * 0.5 + 0.5, k * 1e6, k / 7.0}) ASSERT_EQ(formatted(v), streamed(v)) << v;
+    }
+}
