@@ -11,6 +11,7 @@
 #include "struct/Error.h"
 #include "struct/StructAlias.h"
 #include "struct/StructBase.h"
+#include "struct/TextSink.h"
 
 using zun::ObjAppendList;
 using zun::ObjAppendListP;
@@ -128,52 +129,54 @@ StructElem* StructArrayBase::search(const char* text) {
     throw ErrorArrayIndexInvalid(getPathName().str(), text);
 }
 
-String StructArrayBase::joinElements(String (StructElem::*text)(bool), bool compress, const char* open,
-                                     char separator, const char* close) {
+void StructArrayBase::writeText(TextSink& sink, TextForm form, bool compress) {
     long remembered = activeIndex;
-    String out(open);
+    if (form == FormAll) sink.put('{');
     long n = numElems();
     if (n != 0) {
         setArray(0);
-        String last = (element->*text)(compress);
-        out += last;
-        long count = 1;
-        auto flushCount = [&] {
-            if (count == 1) return;
-            out += " (";
-            out << count;
-            out += " times)";
-        };
-        while (activeIndex < n - 1) {
-            stepArray(1);
-            String t = (element->*text)(compress);
-            if (compress && t == last) {
-                ++count;
-                continue;
-            }
-            flushCount();
-            out += separator;
-            out += t;
-            count = 1;
-            last = t;
-        }
-        flushCount();
+        writeElements(sink, form, compress, n);
     }
-    out += close;
+    if (form == FormAll) sink.put('}');
     if (n != 0 && remembered != activeIndex) setArray(remembered);
-    return out;
+}
+
+void StructArrayBase::writeElements(TextSink& sink, TextForm form, bool compress, long n) {
+    TextFolder folder(sink, compress, form == FormAll ? ',' : '\'');
+    auto text = [&] {
+        switch (form) {
+        case FormHex:
+            return element->readHex(compress);
+        case FormHexNum:
+            return element->readHexNum(compress);
+        default:
+            return element->readAll(compress);
+        }
+    };
+    folder.add(text());
+    while (activeIndex < n - 1) {
+        stepArray(1);
+        folder.add(text());
+    }
+    folder.finish();
 }
 
 String StructArrayBase::readAll(bool compress) {
-    return joinElements(&StructElem::readAll, compress, "{", ',', "}");
+    StringSink sink;
+    writeText(sink, FormAll, compress);
+    return sink.take(getPathName().str());
 }
 
 String StructArrayBase::readHex(bool compress) {
-    return joinElements(&StructElem::readHex, compress, "", '\'', "");
+    StringSink sink;
+    writeText(sink, FormHex, compress);
+    return sink.take(getPathName().str());
 }
 
 String StructArrayBase::readHexNum(bool compress) {
-    return joinElements(&StructElem::readHexNum, compress, "", '\'', "");
+    StringSink sink;
+    writeText(sink, FormHexNum, compress);
+    return sink.take(getPathName().str());
 }
 
 // Calls each() on the element at every index, in order; through an array
@@ -472,6 +475,21 @@ void StructArray::stepArray(long n) {
         }
         setPtr(checkedSum(element->offset, step), activeIndex + 1);
     }
+}
+
+void StructArray::writeElements(TextSink& sink, TextForm form, bool compress, long n) {
+    // A run of plain numbers side by side: read in blocks and formatted
+    // straight into the sink, without moving the element over each value.
+    if (form == FormAll && n > 0 && dim >= 0 && !element->isVirtual() && fixedElements()) {
+        TextFolder folder(sink, compress, ',');
+        element->initRead();
+        if (element->writeRunTexts(folder, n)) {
+            folder.finish();
+            checkRead(*getBase()->input);
+            return;
+        }
+    }
+    StructArrayBase::writeElements(sink, form, compress, n);
 }
 
 void StructArray::setSizeByCumul() {

@@ -48,6 +48,7 @@ public:
     StructElem* getField(const char* text) override;
 
     // The whole array as one text, repeats folded to "(n times)" with compress.
+    void writeText(TextSink& sink, TextForm form, bool compress) override;
     zun::String readAll(bool compress) override;
     zun::String readHex(bool compress) override;
     zun::String readHexNum(bool compress) override;
@@ -110,9 +111,8 @@ protected:
     void forEachElement(F each);
     template <class F>
     void forEachField(const char* field, F each);
-    // The folded text of the whole array, by one of the element's text reads.
-    zun::String joinElements(zun::String (StructElem::*text)(bool), bool compress, const char* open,
-                             char separator, const char* close);
+    // The texts of the n elements from element 0 on, where the array stands.
+    virtual void writeElements(TextSink& sink, TextForm form, bool compress, long n);
 
 private:
     StructElem* search(const char* text);
@@ -139,6 +139,7 @@ public:
     StructArray* getSizeDep() override;
     void setSizeByCumul() override;
     void setArray(long i) override;
+    void writeElements(TextSink& sink, TextForm form, bool compress, long n) override;
     void stepArray(long n) override;
 
     // The list reads that take all values of a run of numbers in one read.

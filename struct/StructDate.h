@@ -20,6 +20,7 @@ public:
         : StructNumSShort(prev, parent, name, "date", size), year(year) {}
 
     ElemType getType() const override { return TypeDate; }
+    bool writeRunTexts(TextFolder&, long) override { return false; }
     zun::JulianDate& readDateTime(zun::JulianDate& date) override;
     // The date as "DD-MON-YYYY".
     zun::String& readString(zun::String& target, int append) override;
@@ -34,6 +35,7 @@ public:
         : StructNumDouble(prev, parent, name, "date", size), year(year) {}
 
     ElemType getType() const override { return TypeDateTime; }
+    bool writeRunTexts(TextFolder&, long) override { return false; }
     zun::JulianDate& readDateTime(zun::JulianDate& date) override;
     // The date and time, with the precision of JulianDate::d_precision.
     zun::String& readString(zun::String& target, int append) override;

@@ -14,6 +14,7 @@
 #include "struct/StructAlias.h"
 #include "struct/StructArray.h"
 #include "struct/StructBase.h"
+#include "struct/TextSink.h"
 
 using zun::quoted;
 using zun::String;
@@ -423,6 +424,24 @@ float& StructElem::readFloat(float& /*v*/) {
 }
 double& StructElem::readDouble(double& /*v*/) {
     readInvalid("Double");
+}
+
+void StructElem::writeText(TextSink& sink, TextForm form, bool compress) {
+    switch (form) {
+    case FormAll:
+        sink.write(readAll(compress));
+        break;
+    case FormHex:
+        sink.write(readHex(compress));
+        break;
+    case FormHexNum:
+        sink.write(readHexNum(compress));
+        break;
+    }
+}
+
+bool StructElem::writeRunTexts(TextFolder&, long) {
+    return false;
 }
 
 #define VEXA_NO_RUN(T)                                                       \

@@ -27,7 +27,14 @@ namespace vexa {
 class StructAlias;
 class StructArray;
 class StructBase;
+class TextFolder;
+class TextSink;
 struct FieldLine;
+
+// The three texts of an element: its value (readAll), its bytes in
+// hexadecimal (readHex), and for numbers written as text the bytes of the
+// binary number they stand for (readHexNum).
+enum TextForm { FormAll, FormHex, FormHexNum };
 
 enum ElemType {
     TypeRelativeOffset = -3,
@@ -183,6 +190,15 @@ public:
     virtual void readUCharA(zun::ObjAppendList<unsigned char>& list, const char* field);
     virtual void readCharA(zun::ObjAppendList<char>& list);
     virtual void readCharA(zun::ObjAppendList<char>& list, const char* field);
+
+    // One of the three texts, written to sink as it is made; the element's
+    // readAll, readHex or readHexNum unless a class writes long texts in
+    // pieces (arrays).
+    virtual void writeText(TextSink& sink, TextForm form, bool compress);
+    // The value texts of a run of n elements of this kind lying back to back
+    // from where the input stands, added to folder; false, with nothing read,
+    // where the element's text is no plain number.
+    virtual bool writeRunTexts(TextFolder& folder, long n);
 
     // Runs of numbers, the fast path of the list reads of arrays: n values of
     // this element's kind lying back to back from where the input stands,

@@ -204,6 +204,28 @@ String& StructNum<T>::readString(String& target, int append) {
     return target;
 }
 
+template <class T>
+bool StructNum<T>::writeRunTexts(TextFolder& folder, long n) {
+    zun::InputStream& in = *this->getBase()->input;
+    long size = this->getSize();
+    const long block = 4096;
+    T values[block];
+    char text[32];
+    for (long done = 0; done < n; done += block) {
+        long k = n - done < block ? n - done : block;
+        readFieldRun(in, values, k, size);
+        if (in.fail()) this->readFailed(in);
+        for (long i = 0; i < k; ++i) {
+            uint64_t key = 0;
+            __builtin_memcpy(&key, &values[i], sizeof(T));
+            if (folder.repeats(key)) continue;
+            int len = formatNumber(text, values[i]);
+            folder.add(key, text, static_cast<size_t>(len));
+        }
+    }
+    return true;
+}
+
 template class StructNum<short>;
 template class StructNum<unsigned short>;
 template class StructNum<long>;

@@ -8,6 +8,7 @@
 #include "input/InputStream.h"
 #include "struct/StructBase.h"
 #include "struct/StructElem.h"
+#include "struct/TextSink.h"
 
 namespace vexa {
 
@@ -140,6 +141,9 @@ public:
     zun::String& readString(zun::String& target, int append) override;
     // Reads the field into v, converting the byte order of the stream.
     virtual T& read(T& v);
+    // The run's values, read in blocks and formatted as readString does;
+    // a value with the bits of the one before is folded without formatting.
+    bool writeRunTexts(TextFolder& folder, long n) override;
 
 
 protected:

@@ -11,6 +11,7 @@
 #include "struct/Error.h"
 #include "struct/StructAlias.h"
 #include "struct/StructElem.h"
+#include "struct/TextSink.h"
 #include "tool/MainError.h"
 
 using zun::ObjAppendListP;
@@ -28,6 +29,19 @@ void writeLine() {
     fwrite(line.data(), 1, line.size(), stdout);
     fflush(stdout);
 }
+
+// The value texts go into the line as they are made; a line that grows long
+// (a whole array) is passed on in pieces, so that it needn't be held whole.
+class LineSink : public vexa::TextSink {
+public:
+    void write(const char* text, size_t n) override {
+        line.append(text, n);
+        if (line.size() >= (1u << 20)) {
+            fwrite(line.data(), 1, line.size(), stdout);
+            line.clear();
+        }
+    }
+};
 
 void warnNoMatch(const String& pattern) {
     fflush(stdout);
@@ -195,11 +209,11 @@ void print_element(StructElem& element, BinOutput* bin, bool explode, const char
         const String& unit = e.getUnit();
         if (unit.length > 0) line.append(" (").append(unit.text, unit.length).append(")");
         line.append(" = ");
-        String value = e.readAll(compress);
-        line.append(value.str(), value.length);
+        LineSink sink;
+        e.writeText(sink, vexa::FormAll, compress);
         if (xopt) {
-            String hex = *xopt ? e.readHexNum(compress) : e.readHex(compress);
-            line.append(" ; ").append(hex.str(), hex.length);
+            line.append(" ; ");
+            e.writeText(sink, *xopt ? vexa::FormHexNum : vexa::FormHex, compress);
         }
     } catch (...) {
         // What was composed of the line stands before the error that ended it.
