@@ -98,7 +98,9 @@ ArrayReader& ArrayReader::operator+=(long n) {
 ArrayReader& ArrayReader::operator<<(const char* pattern) {
     StructElem* e = readerArray->element;
     if (pattern && String(pattern) == "*") {
-        if (e->childList("*", expand, columns) == 0) e->childList(nullptr, expand, columns);
+        // The element of a multi-dimensional array is an array: a row is that
+        // inner array, whole; "*" is no index of it.
+        if (e->isAnArray() || e->childList("*", expand, columns) == 0) e->childList(nullptr, expand, columns);
     } else {
         StructAlias(e->getStructLevel(), *e).childList(pattern, expand, columns);
     }
