@@ -1,5 +1,10 @@
 #include "dict/CalcBinder.h"
 
+#include <cstring>
+#include <memory>
+
+#include "dict/CalcNodeRef.h"
+
 #include "struct/Error.h"
 #include "struct/StructArray.h"
 #include "struct/StructBase.h"
@@ -10,15 +15,46 @@ namespace vexa {
 CalcBinder::CalcBinder(const StructAlias& alias, const char* symbolPrefix, const char* functionPrefix)
     : alias(alias), symbolPrefix(symbolPrefix), functionPrefix(functionPrefix) {}
 
+namespace {
+
+// Whether an array encloses e: references from e then move with it.
+bool hasParentArray(const StructElem* e) {
+    for (const StructElem* p = e->parent; p; p = p->parent)
+        if (p->isAnArray()) return true;
+    return false;
+}
+
+}  // namespace
+
 zun::CalcNode* CalcBinder::bindSymbol(const char* name) {
-    if (!name || name[0] != '#') {
-        // Field references come with the expression nodes of the tree.
+    StructElem* anchor = alias.arrays.count > 0 ? alias.arrays.data[0] : alias.target;
+    bool moves = hasParentArray(anchor);
+    if (!name) return new CalcNodeRef("", new StructAlias(alias), moves ? 0 : -1);
+    if (name[0] == '#') {
+        // A parameter of the file, then a global one; never a field.
+        if (StructBase* root = anchor->getBase())
+            if (zun::CalcNode* node = root->parameters.bindSymbol(name)) return node;
+        return StructBase::globalParameters().bindSymbol(name);
+    }
+    // A name that can't be resolved counts as unknown: the parser reports it.
+    try {
+        if (symbolPrefix.length == 0) {
+            // A dictionary statement (null prefix) looks from the element's
+            // parent, a statement bound to a record (empty prefix) from the
+            // record itself.
+            int up = 0;
+            std::unique_ptr<StructAlias> ref(alias.resolve()->getRef(name, up, symbolPrefix.isNull()));
+            return new CalcNodeRef(name, ref.release(), moves ? up : -1);
+        }
+        if (std::strncmp(name, symbolPrefix.str(), symbolPrefix.length) != 0) return nullptr;
+        const char* rest = name + symbolPrefix.length;
+        std::unique_ptr<StructAlias> ref(new StructAlias(alias));
+        if (!*rest || std::strcmp(rest, "#") == 0) return new CalcNodeRef(name, ref.release(), 0);
+        ref->setChild(rest);
+        return new CalcNodeRef(name, ref.release(), moves ? 0 : -1);
+    } catch (Error&) {
         return nullptr;
     }
-    StructElem* anchor = alias.arrays.count > 0 ? alias.arrays.data[0] : alias.target;
-    if (StructBase* root = anchor->getBase())
-        if (zun::CalcNode* node = root->parameters.bindSymbol(name)) return node;
-    return StructBase::globalParameters().bindSymbol(name);
 }
 
 zun::CalcIterator* CalcBinder::bindIterator(int level) {
@@ -27,6 +63,8 @@ zun::CalcIterator* CalcBinder::bindIterator(int level) {
 }
 
 zun::CalcNode* CalcBinder::bindFunction(const char* /*name*/, zun::ObjAppendListP<zun::CalcNode>* /*args*/) {
+    // The array functions (aread and the lookups) are not available: the
+    // parser goes on to its own table and reports them as unknown.
     return nullptr;
 }
 

@@ -1,6 +1,17 @@
 // vexa::CalcBinder: answers the expression parser's questions for one place
 // of the structure tree. "#" names are the parameters of the file, then the
-// global parameters; "iter" names are the arrays around the place.
+// global parameters; "iter" names are the arrays around the place; any other
+// name is a field (a CalcNodeRef), found by StructElem::getRef:
+//
+//   symbolPrefix   a plain name is looked up
+//   null           among the element's siblings: a dictionary statement
+//                  stands in the definition of its element
+//   empty          below the element itself: a statement bound to a record
+//   other          only names that begin with it; the rest is a path below
+//                  the element
+//
+// A name that can't be resolved (a vexa::Error while binding) gets no answer,
+// so the parser reports it as an unknown symbol.
 #pragma once
 
 #include "base/String.h"

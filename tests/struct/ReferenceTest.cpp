@@ -1,0 +1,257 @@
+// Field names in statements: how the binder of the tree finds them, the
+// reference nodes it makes, their values, levels, folding, properties,
+// methods and errors. What a user sees of them in dictionaries is checked
+// end to end.
+#include <cmath>
+#include <memory>
+
+#include "TreeFixture.h"
+#include "calc/CalcNode.h"
+#include "calc/CalcParser.h"
+#include "dict/CalcBinder.h"
+#include "dict/CalcNodeRef.h"
+#include "struct/StructAlias.h"
+
+using treetest::signatureOf;
+using treetest::text;
+using vexa::CalcNodeRef;
+using vexa::CalcNodeRefProperty;
+using vexa::StructAlias;
+using zun::CalcNode;
+using zun::CalcParser;
+
+namespace {
+
+class References : public treetest::TreeTest {
+protected:
+    // root: len, text (len bytes), hdr {n, tag}, num (ASCII), ch (AChar), w, #p
+    void SetUp() override {
+        dict("hdr", "hdr|||\nn|UChar|||\ntag|String||2|\n");
+        dict("r", "r|||\nlen|UChar|||\ntext|String||len|\nhdr|@hdr|||\nnum|aUShort||3|\nch|AChar|||\n"
+                  "w|UShort|||\n #p|UChar|||\n");
+        file = openNamed(dir.path("r") + "&q=7", treetest::raw("\x03" "abc" "\x02" "XY" "042" "Z" "\x01\x02" "\x09"));
+    }
+
+    // A statement bound where a dictionary statement of `from` stands
+    // (prefix null), or with the given symbol prefix.
+    std::unique_ptr<CalcParser> parse(const char* from, const char* statement, const char* prefix = nullptr) {
+        return std::make_unique<CalcParser>(statement, field(from).getCalcBinder(prefix, nullptr), false);
+    }
+    // valPrint of a statement: numbers plain, texts quoted.
+    std::string value(const char* from, const char* statement, const char* prefix = nullptr) {
+        return text(parse(from, statement, prefix)->valPrint());
+    }
+    // "FAMILYnnn title : message" of a statement that fails to bind or to run.
+    std::string failure(const char* from, const char* statement, const char* prefix = nullptr) {
+        return signatureOf([&] { parse(from, statement, prefix)->valPrint(); });
+    }
+    // A reference node on a field, as the binder makes it.
+    std::unique_ptr<CalcNodeRef> ref(const char* path, int level = 0) {
+        return std::make_unique<CalcNodeRef>(path, new StructAlias(field(path)), level);
+    }
+};
+
+}  // namespace
+
+TEST_F(References, NamesAreLookedUpFromWhereTheStatementStands) {
+    const struct {
+        const char *from, *prefix, *statement, *value;
+    } rows[] = {
+        // a dictionary statement: the siblings of its element
+        {"text", nullptr, "len", "3"},
+        {"text", nullptr, "len + hdr.n", "5"},
+        {"text", nullptr, "text", "\"abc\""},
+        {"hdr.tag", nullptr, "n", "2"},
+        // climbing, from the root, into the element itself
+        {"hdr.tag", nullptr, "{-.len}", "3"},
+        {"hdr.tag", nullptr, "{--.len}", "3"},
+        {"hdr.tag", nullptr, "{-.hdr.tag}", "\"XY\""},
+        {"hdr.tag", nullptr, ".len", "3"},
+        {"hdr.tag", nullptr, ".@size", "14"},
+        {"hdr", nullptr, "{+n}", "2"},
+        // an empty prefix: below the element itself
+        {"hdr", "", "n", "2"},
+        {"", "", "hdr.tag", "\"XY\""},
+        // any other prefix: the rest is a path below the element
+        {"hdr", "$", "$n", "2"},
+        {"hdr", "$", "$tag", "\"XY\""},
+        // "#" names are parameters, never fields
+        {"text", nullptr, "#q", "\"7\""},
+        {"text", nullptr, "#filename", "\"data.bin\""},
+    };
+    for (const auto& r : rows)
+        EXPECT_EQ(value(r.from, r.statement, r.prefix), r.value) << r.from << ": " << r.statement;
+}
+
+TEST_F(References, NamesThatDontResolveAreUnknownSymbols) {
+    const struct {
+        const char *from, *prefix, *statement, *symbol;
+    } rows[] = {
+        {"text", nullptr, "nope", "nope"},
+        {"hdr.tag", nullptr, "len", "len"},         // no search outward
+        {"", nullptr, "len", "len"},                // a root has no siblings
+        {"text", nullptr, "{-.-.len}", "-.-.len"},  // above the root
+        {"text", nullptr, "len.x", "len.x"},        // below a leaf
+        {"text", nullptr, "{+x}", "+x"},              // into a leaf
+        {"text", "", "len", "len"},                 // below text
+        {"hdr", "$", "n", "n"},                     // without the prefix
+        {"hdr", "$", "$zz", "$zz"},
+        {"text", nullptr, "#p", "#p"},              // a field named like a parameter
+    };
+    for (const auto& r : rows)
+        EXPECT_EQ(failure(r.from, r.statement, r.prefix),
+                  std::string("CALC010 invalid symbol : \"") + r.symbol + "\"")
+            << r.from << ": " << r.statement;
+}
+
+TEST_F(References, LevelsAndFolding) {
+    // A reference anchored at the root that no array moves is read at binding
+    // time; one anchored lower, or on a record, stays a reference.
+    const struct {
+        const char *from, *statement;
+        CalcNode::Type type;
+        int level;
+    } rows[] = {
+        {"text", "len", CalcNode::TypeConst, -1},     {"hdr.tag", ".len", CalcNode::TypeConst, -1},
+        {"text", "hdr.tag", CalcNode::TypeConst, -1}, {"hdr.tag", "n", CalcNode::TypeRef, -1},
+        {"text", "hdr", CalcNode::TypeRef, -1},       {"text", "hdr@size", CalcNode::TypeConst, -1},
+        {"text", "len + iter", CalcNode::TypeOper, 0},
+    };
+    for (const auto& r : rows) {
+        auto p = parse(r.from, r.statement);
+        EXPECT_EQ(p->result->nodeType(), r.type) << r.statement;
+        EXPECT_EQ(p->constLevel(), r.level) << r.statement;
+    }
+    auto folded = parse("text", "text");
+    EXPECT_EQ(text(folded->result->name), "string constant");
+    EXPECT_EQ(text(parse("text", "len")->result->name), "numeric constant");
+    // the prefixed forms: the element itself varies, a path below it doesn't
+    auto binder = [&](const char* prefix) {
+        return std::unique_ptr<zun::CalcBinder>(field("hdr").getCalcBinder(prefix, nullptr));
+    };
+    for (const char* name : {"$", "$#"}) {
+        std::unique_ptr<CalcNode> n(binder("$")->bindSymbol(name));
+        ASSERT_NE(n, nullptr) << name;
+        EXPECT_EQ(n->constLevel(), 0) << name;
+        EXPECT_EQ(n->valRaw().count, 3) << name;
+    }
+    std::unique_ptr<CalcNode> below(binder("$")->bindSymbol("$n"));
+    EXPECT_EQ(below->constLevel(), -1);
+    // a null name is the place itself
+    std::unique_ptr<CalcNode> place(binder(nullptr)->bindSymbol(nullptr));
+    EXPECT_EQ(place->nodeType(), CalcNode::TypeRef);
+    EXPECT_EQ(place->constLevel(), -1);
+    EXPECT_EQ(place->valRaw().count, 3);
+}
+
+TEST_F(References, ValueTypesAndValues) {
+    const struct {
+        const char* path;
+        int type;
+    } types[] = {{"len", zun::ValNum}, {"w", zun::ValNum}, {"num", zun::ValNum}, {"text", zun::ValStr},
+                 {"ch", zun::ValStr},  {"hdr", zun::ValRaw}};
+    for (const auto& t : types) EXPECT_EQ(ref(t.path)->valType(), t.type) << t.path;
+    EXPECT_EQ(ref("num")->valNum(), 42);
+    EXPECT_EQ(ref("w")->valInt(), 258);
+    EXPECT_EQ(text(ref("text")->valStr()), "abc");
+    EXPECT_EQ(text(ref("ch")->valStr()), "Z");
+    zun::RawBuffer bytes;
+    bytes << 'x';
+    ref("hdr")->valRaw(bytes);   // appends
+    EXPECT_EQ(std::string(bytes.data, bytes.count), "x\x02XY");
+    auto r = ref("len");
+    EXPECT_EQ(r->implements("vexa::ref"), r.get());
+    EXPECT_EQ(r->implements("vector"), nullptr);
+    // a keyword extends the reference below its field
+    EXPECT_EQ(value("text", "hdr tag"), "\"XY\"");
+    EXPECT_EQ(value("text", "hdr n * 10"), "20");
+    EXPECT_EQ(failure("text", "hdr zz"), "VEXA005 invalid field name : field [zz] in structure [hdr]");
+}
+
+TEST_F(References, Properties) {
+    const struct {
+        const char *statement, *value;
+    } rows[] = {
+        {"len@size", "1"},         {"text@size", "3"},          {"hdr@size", "3"},
+        {"hdr@offset", "4"},       {"hdr@offset_next", "7"},    {"hdr.tag@offset", "1"},
+        {"hdr.tag@pos", "5"},      {"hdr.tag@pos_next", "7"},   {"hdr@dim", "2"},
+        {"len@dim", "-1"},         {"len@filesize", "14"},      {"len@type", "\"UChar\""},
+        {"hdr@type", "\"Record'hdr\""}, {"num@type", "\"aUShort\""}, {"w@name", "\"w\""},
+        {"len@filename", "\"data.bin\""},
+        // names ignore case
+        {"len@SIZE", "1"},         {"hdr@Offset_Next", "7"},
+        // through a variable the property holds a link to the reference
+        {"v = hdr; v@size * 10 + v@dim", "32"},
+    };
+    for (const auto& r : rows) EXPECT_EQ(value("text", r.statement), r.value) << r.statement;
+    EXPECT_EQ(failure("text", "len@sizes"),
+              "CALC014 unsupported property or option : \"sizes\" in statement (len >>> @sizes <<< )");
+
+    // Text properties used as numbers, and number properties as texts.
+    auto property = [&](const char* name) {
+        int row = CalcNodeRefProperty::rowOf(name);
+        return std::make_unique<CalcNodeRefProperty>(name, ref("hdr.tag").release(), row);
+    };
+    EXPECT_EQ(property("type")->valNum(), vexa::TypeString);
+    EXPECT_EQ(text(property("type")->valStr()), "String");
+    EXPECT_TRUE(std::isnan(property("name")->valNum()));
+    EXPECT_EQ(text(property("name")->valStr()), "tag");
+    EXPECT_TRUE(std::isnan(property("filename")->valNum()));
+    EXPECT_EQ(text(property("pos_next")->valStr()), "7");
+    EXPECT_EQ(property("size")->valType(), zun::ValNum);
+    EXPECT_EQ(property("filesize")->valType(), zun::ValNum);
+    EXPECT_EQ(property("type")->valType(), zun::ValStr);
+    EXPECT_EQ(CalcNodeRefProperty::rowOf("nope"), -1);
+    EXPECT_EQ(CalcNodeRefProperty::rowOf("FILENAME"), CalcNodeRefProperty::RowFileName);
+}
+
+TEST_F(References, ChildAndExec) {
+    const struct {
+        const char *statement, *value;
+    } rows[] = {
+        {"hdr@child(\"tag\")", "\"XY\""},
+        {"hdr@child(\"\")@size", "3"},
+        {"{.}@child(\"hdr.n\") + 1", "3"},
+        // exec runs in the scope of its field: among its siblings
+        {"len@exec(\"text\")", "\"abc\""},
+        {"hdr@exec(\"{+n} * 10\")", "20"},
+        {"hdr@exec(\"len\", 0)", "3"},
+    };
+    for (const auto& r : rows) EXPECT_EQ(value("text", r.statement), r.value) << r.statement;
+    const struct {
+        const char *statement, *error;
+    } errors[] = {
+        {"hdr@child(\"n\", \"tag\")", "CALC007 too many function arguments : Function \"@child\" takes at most 1 argument(s)"},
+        {"hdr@child(iter)",
+         "CALC009 invalid function call : String constant expected as argument in call to function \"@child\""},
+        {"hdr@child(\"zz\")", "VEXA005 invalid field name : field [zz] in structure [hdr]"},
+        {"v = hdr; v@child(\"n\")", "CALC015 unsupported method : \"child\""},
+        {"hdr@Child(\"n\")", "CALC015 unsupported method : \"Child\""},
+        {"hdr@exec(\"n\")", "CALC010 invalid symbol : \"n\""},
+        {"len@exec(\"1\", 2, 3)", "CALC007 too many function arguments : Function \"exec\" takes at most 2 argument(s)"},
+        {"v = hdr; v@exec(\"1\")", "CALC015 unsupported method : \"exec\""},
+    };
+    for (const auto& e : errors) EXPECT_EQ(failure("text", e.statement), e.error) << e.statement;
+}
+
+TEST_F(References, WhatBelongsToArraysAndLookups) {
+    const struct {
+        const char *statement, *error;
+    } rows[] = {
+        // a subscript of a field that is no array: a number can't be indexed
+        {"len[0]", "CALC002 invalid operator : (operator::[]) in statement (len >>> [0] <<< )"},
+        {"hdr[0]", "CALC002 invalid operator : (operator::[]) in statement (hdr >>> [0] <<< )"},
+        // the searches of arrays by value are not available
+        {"hdr@lookup(1)", "CALC015 unsupported method : \"lookup\""},
+        {"hdr@minlookup(1)", "CALC015 unsupported method : \"minlookup\""},
+        {"hdr@maxlookup(1)", "CALC015 unsupported method : \"maxlookup\""},
+        {"aread(hdr, 1)", "CALC008 function unknown : \"aread\""},
+        {"alookup(hdr, 1)", "CALC008 function unknown : \"alookup\""},
+        {"aminlookup(hdr, 1)", "CALC008 function unknown : \"aminlookup\""},
+        {"amaxlookup(hdr, 1)", "CALC008 function unknown : \"amaxlookup\""},
+    };
+    for (const auto& r : rows) EXPECT_EQ(failure("text", r.statement), r.error) << r.statement;
+    // the subscript of a text field is its substring
+    EXPECT_EQ(value("len", "text[1]"), "\"bc\"");
+    EXPECT_EQ(value("len", "text[0, 1]"), "\"ab\"");
+}
