@@ -35,7 +35,18 @@ CalcNode* Calc::getCalcNode() {
     return node;
 }
 
+Calc::Running::Running(Calc& calc) : calc(calc) {
+    if (calc.running) {
+        static const char* const reasons[] = {"in virtual field computation", "in size computation",
+                                              "in offset computation",        "in array dimension computation",
+                                              "in union switch computation",  "in link computation"};
+        throw ErrorReferenceRecursion(calc.owner.getPathName().str(), reasons[calc.role]);
+    }
+    calc.running = true;
+}
+
 void Calc::init_statement() {
+    Running running(*this);
     try {
         std::unique_ptr<CalcNode> parsed(
             new zun::CalcParser(statement.str(), bound->getCalcBinder(nullptr, nullptr), false));
@@ -91,13 +102,16 @@ StructArray* Calc::registerCell(DepCell& cell) {
 }
 
 long long Calc::valInt() {
-    return getCalcNode()->valInt();
+    getCalcNode();
+    Running running(*this);
+    return node->valInt();
 }
 
 template <class F>
 auto Calc::evaluate(F get) -> decltype(get()) {
     if (dirty == 0) return get();
     getCalcNode();
+    Running running(*this);
     try {
         node->reset();
         get();

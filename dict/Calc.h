@@ -71,6 +71,23 @@ public:
 private:
     Role role;
     StructElem* bound;
+    bool running = false;   // being parsed or evaluated
+
+    // Marks the statement as running for the life of the object. A statement
+    // asked again while it runs depends on itself (a size that needs the
+    // position of a field behind it, an offset that reads the field it
+    // places): that fails with ErrorReferenceRecursion instead of recursing
+    // without end.
+    class Running {
+    public:
+        explicit Running(Calc& calc);
+        ~Running() { calc.running = false; }
+        Running(const Running&) = delete;
+        Running& operator=(const Running&) = delete;
+
+    private:
+        Calc& calc;
+    };
 
     void init_statement();
     // A run of the statement with the virtual field's error policy.
