@@ -293,15 +293,37 @@ CalcParser* CalcNodeExec::fresh() {
     return compiled;
 }
 
-int CalcNodeExec::valType() { return compile()->valType(); }
+namespace {
+
+// A text run by exec can name a value that holds an exec of the same text,
+// and so run inside itself again and again. Past this depth a read fails
+// instead of running out of stack.
+const int maxExecNesting = 64;
+int execNesting = 0;
+
+class ExecNesting {
+public:
+    ExecNesting() {
+        if (execNesting >= maxExecNesting)
+            throw CalcErrorFunctionCallInvalid("exec", "statements nested too deep");
+        ++execNesting;
+    }
+    ~ExecNesting() { --execNesting; }
+    ExecNesting(const ExecNesting&) = delete;
+    ExecNesting& operator=(const ExecNesting&) = delete;
+};
+
+}  // namespace
+
+int CalcNodeExec::valType() { ExecNesting n; return compile()->valType(); }
 int CalcNodeExec::constLevel() { return parser ? parser->constLevel() : 0; }
-double CalcNodeExec::valNum() { return fresh()->valNum(); }
-String CalcNodeExec::valStr() { return fresh()->valStr(); }
-long long CalcNodeExec::valInt() { return fresh()->valInt(); }
-RawBuffer& CalcNodeExec::valRaw(RawBuffer& buffer) { return fresh()->valRaw(buffer); }
-String CalcNodeExec::valPrint() { return fresh()->valPrint(); }
-String CalcNodeExec::valInit() { return fresh()->valInit(); }
-CalcNode::Value& CalcNodeExec::val(Value& value) { return fresh()->val(value); }
+double CalcNodeExec::valNum() { ExecNesting n; return fresh()->valNum(); }
+String CalcNodeExec::valStr() { ExecNesting n; return fresh()->valStr(); }
+long long CalcNodeExec::valInt() { ExecNesting n; return fresh()->valInt(); }
+RawBuffer& CalcNodeExec::valRaw(RawBuffer& buffer) { ExecNesting n; return fresh()->valRaw(buffer); }
+String CalcNodeExec::valPrint() { ExecNesting n; return fresh()->valPrint(); }
+String CalcNodeExec::valInit() { ExecNesting n; return fresh()->valInit(); }
+CalcNode::Value& CalcNodeExec::val(Value& value) { ExecNesting n; return fresh()->val(value); }
 
 void CalcNodeExec::reset() {
     if (parser) parser->reset();

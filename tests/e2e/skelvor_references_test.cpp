@@ -179,4 +179,8 @@ TEST_F(References, StatementsThatDependOnThemselves) {
                   recursion + "[r.x] (in size computation)\n"
                   "ERROR-VEXA015 dictionary error : invalid size statement for field \"r.x\" in dictionary "
                   "'inner.dd'\n");
+    // a field that holds a statement running itself through exec
+    write("data.bin", "code@exec(code)");
+    expectFailure("t|||\ncode|String||15|\ns|String||code@exec(code)|\n", "00> code = \"code@exec(code)\"\n15> s = ",
+                  "ERROR-CALC009 invalid function call : statements nested too deep in call to function \"exec\"\n");
 }
