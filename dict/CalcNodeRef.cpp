@@ -33,6 +33,19 @@ Args* moveArguments(Args* args) {
     return moved;
 }
 
+// exec asked of a field: the statement runs in the scope of the field, and
+// the reference it was asked of, which the answer takes over, goes with it.
+class CalcNodeExecOfRef : public zun::CalcNodeExec {
+public:
+    // field is taken over only once the node is made.
+    CalcNodeExecOfRef(const char* name, Args* args, zun::CalcBinder* binder, CalcNode* field)
+        : CalcNodeExec(name, args, binder), field(field) {}
+    ~CalcNodeExecOfRef() override { delete field; }
+
+private:
+    CalcNode* field;
+};
+
 }  // namespace
 
 // ---------------------------------------------------------------------------
@@ -120,7 +133,7 @@ CalcNode* CalcNodeRef::methodExec(const char* name, Args* args) {
     checkArguments(name, args, 1, 2);
     zun::CalcBinder* binder = getRef()->getCalcBinder(nullptr, nullptr);
     Args* moved = moveArguments(args);
-    CalcNode* answer = new zun::CalcNodeExec(name, moved, binder);
+    CalcNode* answer = new CalcNodeExecOfRef(name, moved, binder, this);
     delete args;
     return answer;
 }
