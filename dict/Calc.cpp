@@ -58,9 +58,9 @@ void Calc::init_statement() {
                 throw ErrorReferenceRecursion(owner.getPathName().str(), reason.str());
             }
         }
-        CalcNode* raw = parsed.release();
-        CalcNode::reduceInPlace(raw);
-        parsed.reset(raw);
+        // A fold reads the fields of a constant statement, and may fail.
+        CalcNode* folded = parsed->reduce();
+        if (folded && folded != parsed.get()) parsed.reset(folded);
         if (role == Virtual) {
             parsed.reset(new zun::CalcNodeMem("", parsed.release()));
             node = parsed.release();
