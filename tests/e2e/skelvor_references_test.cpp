@@ -184,3 +184,62 @@ TEST_F(References, StatementsThatDependOnThemselves) {
     expectFailure("t|||\ncode|String||15|\ns|String||code@exec(code)|\n", "00> code = \"code@exec(code)\"\n15> s = ",
                   "ERROR-CALC009 invalid function call : statements nested too deep in call to function \"exec\"\n");
 }
+
+TEST_F(References, ArraysSizedAndIndexedByFields) {
+    // a count, then that many numbers and that many records {len, text}
+    write("item.dd", "item|||\nlen|UChar|||\ntext|String||len|\n");
+    write("data.bin", std::string("\x03" "\x00\x01\x00\x02\x00\x03" "\x02" "ab" "\x01" "c" "\x03" "def", 16) +
+                          "ABCDEFGHIJKLMNOPQRSTUVWXYZ");
+    const std::string arrays = "t|||\ncount|UChar|||\nvals|UShort|||count|\nitems|@item|||count|\n";
+    expectOut(withDictionary(arrays + "a|String||vals[2]|\nb|String||items[0] len|\nc|String||items[\"#last\"] len|\n"
+                                      "d|String||items[\"text=c\"] len + 1|\ne|String||vals@dim + items@dim|\n"
+                                      "f|String||.items.0.len|\n"),
+              "00> count = 3\n01> vals.0 = 1\n03> vals.1 = 2\n05> vals.2 = 3\n"
+              "07> items.0.len = 2\n08> items.0.text = \"ab\"\n10> items.1.len = 1\n11> items.1.text = \"c\"\n"
+              "12> items.2.len = 3\n13> items.2.text = \"def\"\n"
+              "16> a = \"ABC\"\n19> b = \"DE\"\n21> c = \"FGH\"\n24> d = \"IJ\"\n26> e = \"KLMNOP\"\n32> f = \"QR\"\n");
+    // elements reached out of order
+    expectOut(withDictionary(arrays, {"items.2.text", "items.0", "vals.1", "items.1.text"}),
+              "13> items.2.text = \"def\"\n07> items.0.len = 2\n08> items.0.text = \"ab\"\n03> vals.1 = 2\n"
+              "11> items.1.text = \"c\"\n");
+    // indices that don't exist: a constant statement is read as it is bound
+    const std::string invalid = dictionaryError("invalid size statement for field \"a\"");
+    expectFailure(arrays + "a|String||vals[3]|\n", "16> a = ",
+                  "ERROR-VEXA011 array index overflow : array [vals]\n" + invalid, {"a"});
+    expectFailure(arrays + "a|String||items[\"len=9\"] len|\n", "16> a = ",
+                  "ERROR-VEXA010 invalid array index : array [items] index [len=9] is invalid\n" + invalid, {"a"});
+}
+
+TEST_F(References, StatementsInsideArrayElements) {
+    // rows {n, v: n bytes}: the count of v follows the row the array stands on
+    write("row.dd", "row|||\nn|UChar|||\nv|UChar|||n|\n");
+    write("data.bin", std::string("\x03" "\x01\x0a" "\x02\x0b\x0c" "\x00" "ABCDEFGHIJ", 17));
+    const std::string rows = "t|||\ncount|UChar|||\nrows|@row|||count|\nx|String||rows[1] v@dim|\n"
+                             "y|String||rows[1] v[1] - 10|\nz|UChar||||rows[2]@pos_next\n";
+    expectOut(withDictionary(rows),
+              "00> count = 3\n01> rows.0.n = 1\n02> rows.0.v = {10}\n03> rows.1.n = 2\n04> rows.1.v = {11,12}\n"
+              "06> rows.2.n = 0\n07> rows.2.v = {}\n07> x = \"AB\"\n09> y = \"CD\"\n07> z = 65\n");
+    expectOut(withDictionary(rows, {"rows.1.v.1", "rows.0.v", "rows.2", "x"}),
+              "05> rows.1.v.1 = 12\n02> rows.0.v.0 = 10\n06> rows.2.n = 0\n07> rows.2.v = {}\n07> x = \"AB\"\n");
+
+    // groups {w, k, cells: k records {v: w bytes}}: a cell's size comes from
+    // its group, and is computed again when the outer array moves
+    write("grp.dd", "grp|||\nw|UChar|||\nk|UChar|||\ncells|@cell|||k|\n");
+    write("cell.dd", "cell|||\nv|String||{-.-.w}|\n");
+    write("data.bin", std::string("\x01\x02" "ab" "\x02\x01" "cd" "XYZ", 11));
+    const std::string groups = "t|||\ngroups|@grp|||2|\nend|String||groups[0] w + groups[1] k|\n";
+    expectOut(withDictionary(groups, {"-r"}),
+              "00> groups.0.w = 1\n01> groups.0.k = 2\n02> groups.0.cells.0.v = \"a\"\n03> groups.0.cells.1.v = \"b\"\n"
+              "04> groups.1.w = 2\n05> groups.1.k = 1\n06> groups.1.cells.0.v = \"cd\"\n08> end = \"XY\"\n");
+    expectOut(withDictionary(groups, {"groups.1.cells.0.v", "groups.0.cells.1.v", "groups.1.cells.0.v"}),
+              "06> groups.1.cells.0.v = \"cd\"\n03> groups.0.cells.1.v = \"b\"\n06> groups.1.cells.0.v = \"cd\"\n");
+
+    // iter: the index of the array around the statement; a count from the root
+    write("irow.dd", "irow|||\nn|UChar|||\ns|String||iter + 1|\nt|String||{--.k} - n|\n");
+    write("data.bin", "\x03" "\x02" "A" "B" "\x01" "CD" "EF" "\x03" "GHI" "xyzuvw");
+    expectOut(withDictionary("t|||\nk|UChar|||\nrows|@irow|||3|\ntri|UChar|||3,iter+1|\n", {"-r"}),
+              "00> k = 3\n01> rows.0.n = 2\n02> rows.0.s = \"A\"\n03> rows.0.t = \"B\"\n"
+              "04> rows.1.n = 1\n05> rows.1.s = \"CD\"\n07> rows.1.t = \"EF\"\n"
+              "09> rows.2.n = 3\n10> rows.2.s = \"GHI\"\n13> rows.2.t = \"\"\n"
+              "13> tri.0 = {120}\n14> tri.1 = {121,122}\n16> tri.2 = {117,118,119}\n");
+}

@@ -11,6 +11,7 @@
 #include "dict/CalcBinder.h"
 #include "dict/CalcNodeRef.h"
 #include "struct/StructAlias.h"
+#include "struct/StructArray.h"
 
 using treetest::signatureOf;
 using treetest::text;
@@ -254,4 +255,97 @@ TEST_F(References, WhatBelongsToArraysAndLookups) {
     // the subscript of a text field is its substring
     EXPECT_EQ(value("len", "text[1]"), "\"bc\"");
     EXPECT_EQ(value("len", "text[0, 1]"), "\"ab\"");
+}
+
+namespace {
+
+// root: count, vals (count UShorts), items (count records {len, text}),
+// tail (bytes to the end of the data).
+class ArrayReferences : public References {
+protected:
+    void SetUp() override {
+        dict("item", "item|||\nlen|UChar|||\ntext|String||len|\n");
+        dict("r", "r|||\ncount|UChar|||\nvals|UShort|||count\nitems|@item|||count\ntail|UChar|||inf\n");
+        file = open("r", treetest::raw("\x03" "\x00\x01\x00\x02\x00\x03" "\x02" "ab" "\x01" "c" "\x03" "def" "xyz"));
+    }
+};
+
+}  // namespace
+
+TEST_F(ArrayReferences, Subscripts) {
+    const struct {
+        const char *statement, *value;
+    } rows[] = {
+        {"vals[2]", "3"},
+        {"vals[0] * 10 + vals[2]", "13"},
+        {"vals[count - 1]", "3"},
+        {"vals[1, 99]", "2"},              // a second index only counts for the level
+        {"vals[\"#last\"]", "3"},          // a text is a path component
+        {"vals[\"#mid\"]", "2"},
+        {"items[2] len", "3"},             // a keyword goes below the element
+        {"items[1] text", "\"c\""},
+        {"items[\"text=d*\"] len", "3"},   // a search
+        {"items[0]@pos", "7"},
+        {"items[2] text@pos", "13"},
+        {"items[2]@child(\"text\")", "\"def\""},
+        {"v = vals; v[1] * 10", "20"},     // through a variable
+        {"vals@dim + items@dim", "6"},
+        {"tail@dim", "3"},                 // an unbound array walks to its end
+        {"vals@type", "\"(3*UShort)\""},
+    };
+    for (const auto& r : rows) EXPECT_EQ(value("count", r.statement), r.value) << r.statement;
+    const struct {
+        const char *statement, *error;
+    } errors[] = {
+        {"vals[1, 2, 3]", "CALC007 too many function arguments : Function \"operator::[]\" takes at most 2 argument(s)"},
+        {"vals[-1]", "VEXA010 invalid array index : array [vals] index [-1] is invalid"},
+        {"vals[nan]", "VEXA010 invalid array index : array [vals] index [-9223372036854775808] is invalid"},
+        {"vals[3]", "VEXA011 array index overflow : array [vals]"},
+        {"vals[\"x\"]", "VEXA010 invalid array index : array [vals] index [x] is invalid"},
+        {"items[\"len=9\"] len", "VEXA010 invalid array index : array [items] index [len=9] is invalid"},
+        {"v = vals; v@lookup(1)", "CALC015 unsupported method : \"lookup\""},
+    };
+    for (const auto& e : errors) EXPECT_EQ(failure("count", e.statement), e.error) << e.statement;
+}
+
+TEST_F(ArrayReferences, LevelsInsideAnArray) {
+    const struct {
+        const char *from, *statement;
+        int level;
+    } rows[] = {
+        {"count", "vals[2]", -1},        {"count", "vals[iter]", 0},    {"count", "vals[1, iter]", 0},
+        {"items.0.text", "len", 0},      {"items.0.text", "iter", 0},   {"items.0.text", "{-.}@dim", 0},
+        {"items.0.text", "{--.count}", 1}, {"items.0.text", "{-.-.count}", 1}, {"items.0.text", ".count", -1},
+    };
+    for (const auto& r : rows) EXPECT_EQ(parse(r.from, r.statement)->constLevel(), r.level) << r.statement;
+    EXPECT_EQ(parse("count", "vals[2]")->result->nodeType(), CalcNode::TypeMethod);
+    // a reference in an element reads the element the array stands on
+    auto len = parse("items.0.text", "len * 10 + iter");
+    field("items.1");
+    EXPECT_EQ(len->valNum(), 11);
+    field("items.2");
+    EXPECT_EQ(len->valNum(), 32);
+    field("items.0");
+    EXPECT_EQ(len->valNum(), 20);
+    // the sizes that hang on it follow the array, forward and back
+    EXPECT_EQ(text(field("items.2.text").readAll(true)), "\"def\"");
+    EXPECT_EQ(text(field("items.0.text").readAll(true)), "\"ab\"");
+    EXPECT_EQ(field("tail").getPos(), 16);
+}
+
+TEST_F(ArrayReferences, AliasesKeepTheirIndices) {
+    // a reference through an index reads that element wherever the array stands
+    CalcNodeRef first("first", new StructAlias(file->getRoot(), "items.0.len"), 0);
+    field("items.2");
+    EXPECT_EQ(first.valNum(), 2);
+    EXPECT_EQ(static_cast<vexa::StructArrayBase&>(field("items")).activeIndex, 0);
+    // "#" takes the index of the moment
+    field("items.1");
+    CalcNodeRef current("current", new StructAlias(file->getRoot(), "items.#.text"), 0);
+    field("items.2");
+    EXPECT_EQ(text(current.valStr()), "c");
+    // a constant reference through an index is read once
+    auto folded = parse("count", ".items.2.text");
+    EXPECT_EQ(folded->result->nodeType(), CalcNode::TypeConst);
+    EXPECT_EQ(text(folded->valStr()), "def");
 }
