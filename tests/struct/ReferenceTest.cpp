@@ -46,6 +46,17 @@ protected:
     std::string failure(const char* from, const char* statement, const char* prefix = nullptr) {
         return signatureOf([&] { parse(from, statement, prefix)->valPrint(); });
     }
+    // Statements bound at `from` with what valPrint gives, or with the
+    // signature of their failure.
+    struct Case {
+        const char *statement, *expected;
+    };
+    void expectValues(const char* from, std::initializer_list<Case> cases) {
+        for (const Case& c : cases) EXPECT_EQ(value(from, c.statement), c.expected) << c.statement;
+    }
+    void expectFailures(const char* from, std::initializer_list<Case> cases) {
+        for (const Case& c : cases) EXPECT_EQ(failure(from, c.statement), c.expected) << c.statement;
+    }
     // A reference node on a field, as the binder makes it.
     std::unique_ptr<CalcNodeRef> ref(const char* path, int level = 0) {
         return std::make_unique<CalcNodeRef>(path, new StructAlias(field(path)), level);
@@ -170,9 +181,7 @@ TEST_F(References, ValueTypesAndValues) {
 }
 
 TEST_F(References, Properties) {
-    const struct {
-        const char *statement, *value;
-    } rows[] = {
+    expectValues("text", {
         {"len@size", "1"},         {"text@size", "3"},          {"hdr@size", "3"},
         {"hdr@offset", "4"},       {"hdr@offset_next", "7"},    {"hdr.tag@offset", "1"},
         {"hdr.tag@pos", "5"},      {"hdr.tag@pos_next", "7"},   {"hdr@dim", "2"},
@@ -183,8 +192,7 @@ TEST_F(References, Properties) {
         {"len@SIZE", "1"},         {"hdr@Offset_Next", "7"},
         // through a variable the property holds a link to the reference
         {"v = hdr; v@size * 10 + v@dim", "32"},
-    };
-    for (const auto& r : rows) EXPECT_EQ(value("text", r.statement), r.value) << r.statement;
+    });
     EXPECT_EQ(failure("text", "len@sizes"),
               "CALC014 unsupported property or option : \"sizes\" in statement (len >>> @sizes <<< )");
 
@@ -207,9 +215,7 @@ TEST_F(References, Properties) {
 }
 
 TEST_F(References, ChildAndExec) {
-    const struct {
-        const char *statement, *value;
-    } rows[] = {
+    expectValues("text", {
         {"hdr@child(\"tag\")", "\"XY\""},
         {"hdr@child(\"\")@size", "3"},
         {"{.}@child(\"hdr.n\") + 1", "3"},
@@ -217,11 +223,8 @@ TEST_F(References, ChildAndExec) {
         {"len@exec(\"text\")", "\"abc\""},
         {"hdr@exec(\"{+n} * 10\")", "20"},
         {"hdr@exec(\"len\", 0)", "3"},
-    };
-    for (const auto& r : rows) EXPECT_EQ(value("text", r.statement), r.value) << r.statement;
-    const struct {
-        const char *statement, *error;
-    } errors[] = {
+    });
+    expectFailures("text", {
         {"hdr@child(\"n\", \"tag\")", "CALC007 too many function arguments : Function \"@child\" takes at most 1 argument(s)"},
         {"hdr@child(iter)",
          "CALC009 invalid function call : String constant expected as argument in call to function \"@child\""},
@@ -231,14 +234,11 @@ TEST_F(References, ChildAndExec) {
         {"hdr@exec(\"n\")", "CALC010 invalid symbol : \"n\""},
         {"len@exec(\"1\", 2, 3)", "CALC007 too many function arguments : Function \"exec\" takes at most 2 argument(s)"},
         {"v = hdr; v@exec(\"1\")", "CALC015 unsupported method : \"exec\""},
-    };
-    for (const auto& e : errors) EXPECT_EQ(failure("text", e.statement), e.error) << e.statement;
+    });
 }
 
 TEST_F(References, WhatBelongsToArraysAndLookups) {
-    const struct {
-        const char *statement, *error;
-    } rows[] = {
+    expectFailures("text", {
         // a subscript of a field that is no array: a number can't be indexed
         {"len[0]", "CALC002 invalid operator : (operator::[]) in statement (len >>> [0] <<< )"},
         {"hdr[0]", "CALC002 invalid operator : (operator::[]) in statement (hdr >>> [0] <<< )"},
@@ -250,8 +250,7 @@ TEST_F(References, WhatBelongsToArraysAndLookups) {
         {"alookup(hdr, 1)", "CALC008 function unknown : \"alookup\""},
         {"aminlookup(hdr, 1)", "CALC008 function unknown : \"aminlookup\""},
         {"amaxlookup(hdr, 1)", "CALC008 function unknown : \"amaxlookup\""},
-    };
-    for (const auto& r : rows) EXPECT_EQ(failure("text", r.statement), r.error) << r.statement;
+    });
     // the subscript of a text field is its substring
     EXPECT_EQ(value("len", "text[1]"), "\"bc\"");
     EXPECT_EQ(value("len", "text[0, 1]"), "\"ab\"");
@@ -273,9 +272,7 @@ protected:
 }  // namespace
 
 TEST_F(ArrayReferences, Subscripts) {
-    const struct {
-        const char *statement, *value;
-    } rows[] = {
+    expectValues("count", {
         {"vals[2]", "3"},
         {"vals[0] * 10 + vals[2]", "13"},
         {"vals[count - 1]", "3"},
@@ -292,11 +289,8 @@ TEST_F(ArrayReferences, Subscripts) {
         {"vals@dim + items@dim", "6"},
         {"tail@dim", "3"},                 // an unbound array walks to its end
         {"vals@type", "\"(3*UShort)\""},
-    };
-    for (const auto& r : rows) EXPECT_EQ(value("count", r.statement), r.value) << r.statement;
-    const struct {
-        const char *statement, *error;
-    } errors[] = {
+    });
+    expectFailures("count", {
         {"vals[1, 2, 3]", "CALC007 too many function arguments : Function \"operator::[]\" takes at most 2 argument(s)"},
         {"vals[-1]", "VEXA010 invalid array index : array [vals] index [-1] is invalid"},
         {"vals[nan]", "VEXA010 invalid array index : array [vals] index [-9223372036854775808] is invalid"},
@@ -304,8 +298,7 @@ TEST_F(ArrayReferences, Subscripts) {
         {"vals[\"x\"]", "VEXA010 invalid array index : array [vals] index [x] is invalid"},
         {"items[\"len=9\"] len", "VEXA010 invalid array index : array [items] index [len=9] is invalid"},
         {"v = vals; v@lookup(1)", "CALC015 unsupported method : \"lookup\""},
-    };
-    for (const auto& e : errors) EXPECT_EQ(failure("count", e.statement), e.error) << e.statement;
+    });
 }
 
 TEST_F(ArrayReferences, LevelsInsideAnArray) {
