@@ -1,7 +1,9 @@
 #!/bin/sh
 # Benchmarks of skelvor: one field at the end of a 20 GB sparse file, peak
-# memory against the file's size, printing throughput of a wide record, and
-# the expression language's evaluation and compilation costs.
+# memory against the file's size, printing throughput of a wide record, one
+# element of a table of up to 1.25 billion records, a long array printed
+# whole against od, then the benchmark programs (arrays, the expression
+# language).
 # Usage: bench/run.sh [build-folder]
 set -e
 build=${1:-build-bench}
@@ -70,6 +72,41 @@ for opts in "" "-x"; do
 done
 "$tool" "$work/wide.bin" -d="$work/wide" > "$work/out.txt"
 echo "peak memory: $(peak_kb "$tool" "$work/wide.bin" -d="$work/wide") kB"
+
+echo "== one element of a table of N 16-byte records"
+cat > "$work/rec.dd" <<'DD'
+rec|one 16-byte record||
+id|ULong||4|
+value|Double|||
+flags|UShort|||
+pad|UShort|||
+DD
+printf 'demo|header and count records||LITTLE-ENDIAN\nmagic|String||4\ncount|ULong||4|\nrecs|@rec|||count\n' > "$work/demo.dd"
+for n in 1000000 10000000 1249999999; do
+    # sparse: the header and the last record hold bytes
+    python3 - "$work/demo.bin" "$n" <<'PY'
+import struct, sys
+path, n = sys.argv[1], int(sys.argv[2])
+with open(path, "wb") as f:
+    f.write(b"DEMO" + struct.pack("<I", n))
+    f.seek(8 + 16 * (n - 1))
+    f.write(struct.pack("<IdHH", n - 1, ((n - 1) % 10007) * 0.25, (n - 1) & 0xFFFF, 0))
+PY
+    t=$(best_us "$tool" "$work/demo.bin" -d="$work/demo" "recs.$((n - 1)).value")
+    echo "N=$n: recs.$((n - 1)).value in $t us, peak memory $(peak_kb "$tool" "$work/demo.bin" -d="$work/demo" "recs.$((n - 1)).value") kB"
+done
+rm -f "$work/demo.bin"
+
+echo "== 10,000,000 floats printed whole as one folded line, against od -An -v -tf4"
+python3 - "$work/floats.bin" <<'PY'
+import array, sys
+array.array("f", (((i * 7919) % 20011) * 0.125 for i in range(10000000))).tofile(open(sys.argv[1], "wb"))
+PY
+printf 'floats|float32 values filling the file||LITTLE-ENDIAN\nx|Float|||#filesize / 4\n' > "$work/floats.dd"
+line=$(best_us "$tool" "$work/floats.bin" -d="$work/floats" -base)
+od_us=$(best_us od -An -v -tf4 "$work/floats.bin")
+echo "skelvor -base: $line us, od: $od_us us, od / skelvor = $(( od_us * 10 / line / 10 )).$(( od_us * 10 / line % 10 )), peak memory $(peak_kb "$tool" "$work/floats.bin" -d="$work/floats" -base) kB"
+rm -f "$work/floats.bin"
 
 for program in "$build"/bench/*; do
     [ -f "$program" ] && [ -x "$program" ] || continue

@@ -52,9 +52,21 @@ constexpr Powers powers;
 // rounded half to even as an exact conversion rounds; -1 when the scaling
 // can't be done exactly here, -2 when the scaled value has seven digits
 // before rounding (e10 was one too low).
-long sixDigits(uint64_t m, int e, int p) {
+inline long sixDigits(uint64_t m, int e, int p) {
     u128 whole;
     int cmp;  // the part behind the digits against one half: -1 below, 0 equal, 1 above
+    if (p >= 0 && p <= 17 && m < (uint64_t(1) << 24) && e + p < 0 && e + p > -64) {
+        // Few significant bits (a float's 24): the scaling fits 64 bits.
+        uint64_t prod = m * powers.five[p];
+        int k = -(e + p);
+        uint64_t w = prod >> k;
+        uint64_t rem = prod & ((uint64_t(1) << k) - 1);
+        uint64_t half = uint64_t(1) << (k - 1);
+        if (w >= 10000000) return -1;
+        if (w >= 1000000) return -2;
+        if (rem > half || (rem == half && (w & 1))) ++w;
+        return static_cast<long>(w);
+    }
     if (p >= 0) {
         if (p > maxScale) return -1;
         u128 prod = static_cast<u128>(m) * powers.five[p];
@@ -100,6 +112,9 @@ int formatSixDigits(char* out, double v) {
     int biased = static_cast<int>(bits >> 52);
     uint64_t mant = (bits & ((uint64_t(1) << 52) - 1)) | (uint64_t(1) << 52);
     int e = biased - 1075;  // a = mant * 2^e
+    int zeroBits = __builtin_ctzll(mant);
+    mant >>= zeroBits;
+    e += zeroBits;
     // floor(log10(a)), or one less: a lies in [2^(biased-1023), 2^(biased-1022)),
     // and 78913 / 2^18 is log10(2) to the precision that this range needs.
     int e10 = ((biased - 1023) * 78913) >> 18;
@@ -118,20 +133,28 @@ int formatSixDigits(char* out, double v) {
     static const char pairs[] =
         "0001020304050607080910111213141516171819202122232425262728293031323334353637383940414243444546474849"
         "5051525354555657585960616263646566676869707172737475767778798081828384858687888990919293949596979899";
-    char d[6];
-    long hi = m / 10000, mid = m / 100 % 100, lo = m % 100;
-    __builtin_memcpy(d, pairs + 2 * hi, 2);
-    __builtin_memcpy(d + 2, pairs + 2 * mid, 2);
-    __builtin_memcpy(d + 4, pairs + 2 * lo, 2);
-    int last = 5;  // the last significant digit
-    while (last > 0 && d[last] == '0') --last;
+    // The six digits as the bytes of one word, the first digit lowest.
+    uint64_t digits = 0;
+    unsigned hi = static_cast<unsigned>(m / 10000), mid = static_cast<unsigned>(m / 100 % 100),
+             lo = static_cast<unsigned>(m % 100);
+    uint16_t pair;
+    __builtin_memcpy(&pair, pairs + 2 * hi, 2);
+    digits |= pair;
+    __builtin_memcpy(&pair, pairs + 2 * mid, 2);
+    digits |= static_cast<uint64_t>(pair) << 16;
+    __builtin_memcpy(&pair, pairs + 2 * lo, 2);
+    digits |= static_cast<uint64_t>(pair) << 32;
+    // The number of significant digits: trailing "0" bytes are dropped.
+    uint64_t zeros = digits ^ 0x303030303030ULL;  // a digit 0 becomes a zero byte
+    int significant = 6 - (zeros == 0 ? 5 : __builtin_clzll(zeros) / 8 - 2);
     char* o = out;
     if (v < 0) *o++ = '-';
     if (e10 < -4 || e10 >= 6) {
-        *o++ = d[0];
-        if (last > 0) {
-            *o++ = '.';
-            for (int i = 1; i <= last; ++i) *o++ = d[i];
+        *o++ = static_cast<char>(digits);
+        if (significant > 1) {
+            uint64_t rest = (digits >> 8) << 8 | '.';
+            __builtin_memcpy(o, &rest, 8);
+            o += significant;
         }
         *o++ = 'e';
         int x = e10;
@@ -140,16 +163,20 @@ int formatSixDigits(char* out, double v) {
         *o++ = static_cast<char>('0' + x / 10);
         *o++ = static_cast<char>('0' + x % 10);
     } else if (e10 >= 0) {
-        for (int i = 0; i <= e10; ++i) *o++ = d[i];
-        if (last > e10) {
-            *o++ = '.';
-            for (int i = e10 + 1; i <= last; ++i) *o++ = d[i];
-        }
+        // The digits before the point, the point, the digits behind it.
+        int whole = e10 + 1;
+        int shift = 8 * whole;
+        uint64_t word = whole >= 6 ? digits
+                                   : (digits & ((uint64_t(1) << shift) - 1)) | (uint64_t('.') << shift) |
+                                         ((digits >> shift) << (shift + 8));
+        __builtin_memcpy(o, &word, 8);
+        o += significant > whole ? significant + 1 : whole;
     } else {
-        *o++ = '0';
-        *o++ = '.';
-        for (int i = -1; i > e10; --i) *o++ = '0';
-        for (int i = 0; i <= last; ++i) *o++ = d[i];
+        // "0." and the zeros before the first digit, then the digits.
+        __builtin_memcpy(o, "0.000000", 8);
+        o += 1 - e10;
+        __builtin_memcpy(o, &digits, 8);
+        o += significant;
     }
     *o = 0;
     return static_cast<int>(o - out);
