@@ -243,3 +243,34 @@ TEST_F(Arrays, ReaderRowsAndColumns) {
     EXPECT_EQ(errorOf([&] { none.getNextColumn(); }), "cannot read column from reader of array \"e\" - no column defined");
     EXPECT_EQ(errorOf([&] { vexa::ArrayReader bad(field("e.0.k")); }), "structure \"e.0.k\" is not an array");
 }
+
+TEST_F(Arrays, VariableRecordsWalkForwardAndRestartToGoBack) {
+    dict("item", "item|||\nlen|UChar|||\ntext|String||len|\n");
+    openLines("n|UChar|||\nitems|@item|||n\nafter|UChar|||\n",
+              raw("\x04" "\x01" "a" "\x03" "bcd" "\x00" "\x02" "ef" "\x09"));
+    const char* texts[] = {"\"a\"", "\"bcd\"", "\"\"", "\"ef\""};
+    for (long i : {3, 1, 2, 0, 3, 2}) EXPECT_EQ(text(field(("items." + std::to_string(i) + ".text").c_str()).readAll(true)), texts[i]) << i;
+    EXPECT_EQ(field("items.3.text").getPos(), 9);
+    EXPECT_EQ(field("after").getPos(), 11);
+    EXPECT_EQ(array("items").getSize(), 10);
+    EXPECT_EQ(text(field("items").readAll(true)), "{[1,\"a\"],[3,\"bcd\"],[0,\"\"],[2,\"ef\"]}");
+    EXPECT_EQ(text(field("after").readAll(true)), "9");
+    // a dimension that reads its own array finds no count while it is computed
+    openLines("a|UChar|||a[\"#last\"] + 1\n", "abc");
+    EXPECT_EQ(errorOf([&] { array("a").numElems(); }), "reference recursion from structure [a] (in array dimension computation)");
+}
+
+TEST_F(Arrays, AnOuterArrayMovesTheInnerOnes) {
+    // rows of a count and that many 2-byte values; the count moves with the row
+    dict("row", "row|||\nk|UChar|||\nv|UShort|||k\n");
+    openLines("rows|@row|||3\n", raw("\x02" "\x01\x00\x02\x00" "\x00" "\x01" "\x05\x00"));
+    EXPECT_EQ(text(field("rows.0.v").readAll(true)), "{1,2}");
+    EXPECT_EQ(text(field("rows.1.v").readAll(true)), "{}");
+    EXPECT_EQ(text(field("rows.2.v").readAll(true)), "{5}");
+    EXPECT_EQ(text(field("rows.0.v.1").readAll(true)), "2");
+    EXPECT_EQ(field("rows.2.v.0").getPos(), 7);
+    EXPECT_EQ(text(field("rows").getTypeStr(0)), "(3*Record'row)");
+    EXPECT_EQ(text(field("rows.#.v").getTypeStr(0)), "(*UShort)");  // its count varies with the row
+    EXPECT_EQ(text(field("rows.#.v").getTypeStr(255)), "(1*UShort)");
+    EXPECT_EQ(list<long>([&](ObjAppendList<long>& l) { field("rows").readSLongA(l, "k"); }), "2 0 1");
+}
