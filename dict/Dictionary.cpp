@@ -201,7 +201,6 @@ StructElem* Dictionary::makeElement(StructElem* prev, StructElem* parent, Struct
             field.name = field.name.substr(1);
             field.type = "~" + field.type;
             checkFieldName(field.name);
-            if (field.isArray()) throw String("unsupported array field ") + quoted(field.name);
             return parent->createChild(prev, field);
         }
         if (count < 4) throw ErrorDictionary(path().str(), "Missing Columns");

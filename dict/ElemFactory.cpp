@@ -8,6 +8,7 @@
 #include "calc/CalcScanner.h"
 #include "struct/StructArray.h"
 #include "struct/StructAscii.h"
+#include "struct/StructCalc.h"
 #include "struct/StructBase.h"
 #include "struct/StructDate.h"
 #include "struct/StructElem.h"
@@ -24,7 +25,8 @@ namespace vexa {
 namespace {
 
 // Makes the element of a dictionary line; n is the size column as an
-// integer, -1 when it isn't one.
+// integer, -1 when it isn't one. For a virtual field the size column is its
+// statement.
 using Maker = StructElem* (*)(const FieldLine& line, StructElem* prev, StructElem* parent, long n);
 
 // The sizes a type allows, and its name in the message of a size it refuses.
@@ -42,6 +44,18 @@ StructElem* plain(const FieldLine& line, StructElem* prev, StructElem* parent, l
 template <class C>
 StructElem* dated(const FieldLine& line, StructElem* prev, StructElem* parent, long n) {
     return new C(prev, parent, line.name.str(), line.unit.toInt(), n);
+}
+
+// A virtual field: the statement in the size column.
+template <class C>
+StructElem* computed(const FieldLine& line, StructElem* prev, StructElem* parent, long) {
+    return new C(prev, parent, line.name.str(), line.unit.text, line.size.str());
+}
+
+// A virtual date: the unit column is the reference year.
+template <class C>
+StructElem* computedDate(const FieldLine& line, StructElem* prev, StructElem* parent, long) {
+    return new C(prev, parent, line.name.str(), line.unit.toInt(), line.size.str());
 }
 
 StructElem* character(const FieldLine& line, StructElem* prev, StructElem* parent, long) {
@@ -114,7 +128,8 @@ constexpr SizeRule ascii{"Ascii numeric", asciiSize};
 // "a" is an ASCII number or nothing, "UShort" comes before the "?Short" that
 // takes every other letter, and "?Short" before the union's "[?]*". Types
 // without words are made by other means (offset columns, arrays) or not at
-// all. `valueType` marks the types a virtual field or a definition may have.
+// all. `valueType` marks the types a definition may have; `computed` makes
+// the virtual field of a line whose type is "~" and the name.
 struct TypeRow {
     ElemType type;
     const char* name;
@@ -122,42 +137,43 @@ struct TypeRow {
     SizeRule size;
     Maker make;
     bool valueType;
+    Maker computed;
 };
 
 constexpr TypeRow table[] = {
-    {TypeUChar, "UChar", "UChar", {"Char", charSize}, plain<StructNumUChar>, true},
-    {TypeSChar, "SChar", "SChar", {"Char", charSize}, plain<StructNumSChar>, true},
-    {TypeAChar, "AChar", "AChar", {"Char", charSize}, character, true},
-    {TypeUShort, "UShort", "UShort", {"Short", shortSize}, plain<StructNumUShort>, true},
-    {TypeSShort, "SShort", "?Short", {"Short", shortSize}, plain<StructNumSShort>, true},
-    {TypeULong, "ULong", "ULong", {"Long", longSize}, plain<StructNumULong>, true},
-    {TypeSLong, "SLong", "?Long", {"Long", longSize}, plain<StructNumSLong>, true},
-    {TypeULLong, "ULLong", "ULLong", {"LLong", llongSize}, plain<StructNumULLong>, true},
-    {TypeSLLong, "SLLong", "?LLong", {"LLong", llongSize}, plain<StructNumSLLong>, true},
-    {TypeFloat, "Float", "Float", {"Float", floatSize}, plain<StructNumFloat>, true},
-    {TypeDouble, "Double", "Double", {"Double", doubleSize}, plain<StructNumDouble>, true},
-    {TypeDateTime, "DateTime", "DateTime", {"DateTime", doubleSize}, dated<StructNumDateTime>, true},
-    {TypeDate, "Date", "Date", {"Date", dateSize}, dated<StructNumDate>, true},
-    {TypeString, "String", "String", any, string, true},
-    {TypeAUChar, "aUChar", "aUChar", ascii, plain<StructAUChar>, true},
-    {TypeASChar, "aSChar", "a?Char", ascii, plain<StructASChar>, true},
-    {TypeAUShort, "aUShort", "aUShort", ascii, plain<StructAUShort>, true},
-    {TypeASShort, "aSShort", "a?Short", ascii, plain<StructASShort>, true},
-    {TypeAULong, "aULong", "aULong", ascii, plain<StructAULong>, true},
-    {TypeASLong, "aSLong", "a?Long", ascii, plain<StructASLong>, true},
-    {TypeAULLong, "aULLong", "aULLong", ascii, plain<StructAULLong>, true},
-    {TypeASLLong, "aSLLong", "a?LLong", ascii, plain<StructASLLong>, true},
-    {TypeAFloat, "aFloat", "aFloat", ascii, plain<StructAFloat>, true},
-    {TypeADouble, "aDouble", "aDouble", ascii, plain<StructADouble>, true},
-    {TypeADateTime, "aDateTime", "aDateTime", ascii, dated<StructADateTime>, true},
-    {TypeRecord, "Record", "@*", any, record, false},
-    {TypeSpare, "Spare", "Spare", any, spare, false},
-    {TypeUnion, "Union", "[?]*", any, unionField, false},
-    {TypeNull, "Null", "Null", any, null, false},
-    {TypeRelativeOffset, "Relative Offset", nullptr, any, nullptr, false},
-    {TypeAlignmentOffset, "Alignment Offset", nullptr, any, nullptr, false},
-    {TypeOffset, "Offset", nullptr, any, nullptr, false},
-    {TypeArray, "Array", nullptr, any, nullptr, false},
+    {TypeUChar, "UChar", "UChar", {"Char", charSize}, plain<StructNumUChar>, true, computed<StructCalcUChar>},
+    {TypeSChar, "SChar", "SChar", {"Char", charSize}, plain<StructNumSChar>, true, computed<StructCalcSChar>},
+    {TypeAChar, "AChar", "AChar", {"Char", charSize}, character, true, computed<StructCalcAChar>},
+    {TypeUShort, "UShort", "UShort", {"Short", shortSize}, plain<StructNumUShort>, true, computed<StructCalcUShort>},
+    {TypeSShort, "SShort", "?Short", {"Short", shortSize}, plain<StructNumSShort>, true, computed<StructCalcSShort>},
+    {TypeULong, "ULong", "ULong", {"Long", longSize}, plain<StructNumULong>, true, computed<StructCalcULong>},
+    {TypeSLong, "SLong", "?Long", {"Long", longSize}, plain<StructNumSLong>, true, computed<StructCalcSLong>},
+    {TypeULLong, "ULLong", "ULLong", {"LLong", llongSize}, plain<StructNumULLong>, true, computed<StructCalcULLong>},
+    {TypeSLLong, "SLLong", "?LLong", {"LLong", llongSize}, plain<StructNumSLLong>, true, computed<StructCalcSLLong>},
+    {TypeFloat, "Float", "Float", {"Float", floatSize}, plain<StructNumFloat>, true, computed<StructCalcFloat>},
+    {TypeDouble, "Double", "Double", {"Double", doubleSize}, plain<StructNumDouble>, true, computed<StructCalcDouble>},
+    {TypeDateTime, "DateTime", "DateTime", {"DateTime", doubleSize}, dated<StructNumDateTime>, true, nullptr},
+    {TypeDate, "Date", "Date", {"Date", dateSize}, dated<StructNumDate>, true, nullptr},
+    {TypeString, "String", "String", any, string, true, computed<StructCalcStr>},
+    {TypeAUChar, "aUChar", "aUChar", ascii, plain<StructAUChar>, true, nullptr},
+    {TypeASChar, "aSChar", "a?Char", ascii, plain<StructASChar>, true, nullptr},
+    {TypeAUShort, "aUShort", "aUShort", ascii, plain<StructAUShort>, true, nullptr},
+    {TypeASShort, "aSShort", "a?Short", ascii, plain<StructASShort>, true, nullptr},
+    {TypeAULong, "aULong", "aULong", ascii, plain<StructAULong>, true, nullptr},
+    {TypeASLong, "aSLong", "a?Long", ascii, plain<StructASLong>, true, nullptr},
+    {TypeAULLong, "aULLong", "aULLong", ascii, plain<StructAULLong>, true, nullptr},
+    {TypeASLLong, "aSLLong", "a?LLong", ascii, plain<StructASLLong>, true, nullptr},
+    {TypeAFloat, "aFloat", "aFloat", ascii, plain<StructAFloat>, true, nullptr},
+    {TypeADouble, "aDouble", "aDouble", ascii, plain<StructADouble>, true, nullptr},
+    {TypeADateTime, "aDateTime", "aDateTime", ascii, dated<StructADateTime>, true, nullptr},
+    {TypeRecord, "Record", "@*", any, record, false, nullptr},
+    {TypeSpare, "Spare", "Spare", any, spare, false, nullptr},
+    {TypeUnion, "Union", "[?]*", any, unionField, false, nullptr},
+    {TypeNull, "Null", "Null", any, null, false, nullptr},
+    {TypeRelativeOffset, "Relative Offset", nullptr, any, nullptr, false, nullptr},
+    {TypeAlignmentOffset, "Alignment Offset", nullptr, any, nullptr, false, nullptr},
+    {TypeOffset, "Offset", nullptr, any, nullptr, false, nullptr},
+    {TypeArray, "Array", nullptr, any, nullptr, false, nullptr},
 };
 
 constexpr long typeCount = TypeArray - TypeRelativeOffset;  // every type but TypeNone
@@ -190,11 +206,9 @@ const TypeRow* rowForWord(const String& word) {
     return nullptr;
 }
 
-// The words a virtual line may carry behind "~" besides the value types:
+// The words a virtual line may carry behind "~" that make no value field:
 // index maps, auxiliary fields and links.
-bool knownVirtualType(const String& word) {
-    if (const TypeRow* row = rowOf(elemType(word.str())))
-        if (row->valueType) return true;
+bool otherVirtualType(const String& word) {
     return word == "SelectMap" || word == "InverseMap" || word == "Auxiliary" || word.match("Auxiliary/*") ||
            word[0] == '@';
 }
@@ -230,10 +244,18 @@ StructElem* StructElem::createChild(StructElem* prev, const String& name, const 
 
 StructElem* StructElem::createChild(StructElem* prev, const FieldLine& line) {
     const String& type = line.type;
-    if (line.isArray() && type[0] != '~') return array(line, prev, this);
+    if (line.isArray()) {
+        // A virtual array takes no room: its elements are statements.
+        if (type[0] == '~')
+            return new StructArray(type.str(), line.unit.text, line.size.text, prev, this, line.name.str(), "0",
+                                   line.dims.str());
+        return array(line, prev, this);
+    }
     if (type[0] == '~') {
         String word = type.substr(1);
-        if (knownVirtualType(word)) throw String("unsupported virtual field ") + quoted(line.name);
+        const TypeRow* row = rowOf(elemType(word.str()));
+        if (row && row->computed) return row->computed(line, prev, this, -1);
+        if (otherVirtualType(word)) throw String("unsupported virtual field ") + quoted(line.name);
         throw String("unknown virtual field type ") + quoted(word);
     }
 
