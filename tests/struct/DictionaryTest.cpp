@@ -72,10 +72,10 @@ TEST_F(Reader, FieldNamesAndPaths) {
 TEST_F(Reader, LinesAndTheFactory) {
     const char* rows[][2] = {
         {"a|UChar|||", "made UChar"}, {" ~x|UChar|||", "made UChar"}, {"a|UChar|||1", "made UChar"},
-        {"~a|UChar", "unsupported virtual field \"a\""}, {"~a|Bogus||1", "unknown virtual field type \"Bogus\""},
+        {"~a|UChar", "made UChar"}, {"~a|SelectMap||x", "unsupported virtual field \"a\""}, {"~a|Bogus||1", "unknown virtual field type \"Bogus\""},
         {"~a b|UChar||1", "invalid field name \"a b\""},
         {"a|UChar|||1+0", "made (1*UChar)"}, {"a|UChar|||   ", "dimension reference \" \" of structure \"a\" returns nan"},
-        {"a|UChar|||4", "made (4*UChar)"}, {"~a|UChar||1|3", "unsupported array field \"a\""},
+        {"a|UChar|||4", "made (4*UChar)"}, {"~a|UChar||1|3", "made (3*UChar)"}, {"~a|aUChar||1", "unknown virtual field type \"aUChar\""},
         {"a|UChar|||-4", "array \"a\" invalid negative array dimension \"-4\""},
         {"a|UChar|||2,-1", "array \"a\" invalid negative array dimension \"-1\""},
         {"a|UShort||,6|3,1+1", "made (3*(2*UShort))"}, {"a|?Char|alts||", "unsupported union field \"a\""},
