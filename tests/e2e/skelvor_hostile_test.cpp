@@ -1,0 +1,80 @@
+// skelvor on hostile input: paths that are no files, sizes and values at the
+// edge of their range, output that can't be written, dictionaries that are no
+// dictionaries. Each run must end with a clear error line and status 1, or
+// with the right value; never a crash, a hang or a wrong value.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "Harness.h"
+
+namespace {
+
+// A run that hangs ends at this limit with status -1.
+const int limitSeconds = 20;
+
+class Hostile : public ::testing::Test {
+protected:
+    e2e::TempDir dir;
+
+    std::string write(const std::string& name, const std::string& bytes) { return dir.write(name, bytes); }
+
+    e2e::Result run(const std::vector<std::string>& args) {
+        e2e::RunOptions options;
+        options.cwd = dir.path();
+        options.timeoutSeconds = limitSeconds;
+        return e2e::skelvor(args, options);
+    }
+
+    // skelvor through the shell, with the redirections of its standard
+    // streams that the runner can't make ("< /dev/null", ">&-").
+    e2e::Result runRedirected(const std::string& redirections, const std::vector<std::string>& args) {
+        std::vector<std::string> shellArgs = {"-c", "exec \"$0\" \"$@\" " + redirections, SKELVOR_BIN};
+        shellArgs.insert(shellArgs.end(), args.begin(), args.end());
+        e2e::RunOptions options;
+        options.cwd = dir.path();
+        options.timeoutSeconds = limitSeconds;
+        return e2e::run("/bin/sh", shellArgs, options);
+    }
+};
+
+void expectError(const e2e::Result& r, const std::string& err, const std::string& out = "") {
+    EXPECT_EQ(r.out, out);
+    EXPECT_EQ(r.err, err);
+    EXPECT_EQ(r.status, 1);
+}
+
+// ---------------------------------------------------------------- data paths
+
+TEST_F(Hostile, ADeviceIsNoDataFile) {
+    write("t.dd", "t|||\na|UChar|||\n");
+    const struct {
+        const char *path, *redirections, *named;
+    } rows[] = {
+        {"/dev/null", "", "/dev/null"},
+        {"/dev/zero", "", "/dev/zero"},
+        {"/dev/stdin", "< /dev/null", "/dev/stdin"},
+        {"/dev/nul?", "", "/dev/null"},  // a pattern that finds a device
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.path);
+        expectError(runRedirected(r.redirections, {r.path, "-d=t"}),
+                    std::string("ERROR-STD022 Invalid argument : file \"") + r.named +
+                        "\" is a character device, not a regular file or a named pipe\n");
+    }
+}
+
+TEST_F(Hostile, ASetOfFilesNeverHoldsWhatIsNoFile) {
+    write("t.dd", "t|||\na|UChar|||\nb|UChar|||\n");
+    write("set/a1", "A");
+    write("set/a2", "B");
+    e2e::Result whole = run({"set/a*", "-d=t"});
+    EXPECT_EQ(whole.out, "0> a = 65\n1> b = 66\n");
+    EXPECT_EQ(whole.status, 0);
+    // a link to nothing that the pattern finds: a part that can't be a set
+    e2e::run("/bin/ln", {"-s", "/nonexistent/x", dir.path("set/a3")});
+    expectError(run({"set/a*", "-d=t"}), "ERROR-STD022 Invalid argument : file \"set/a3\" can't be examined\n");
+}
+
+}  // namespace
