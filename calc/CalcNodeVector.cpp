@@ -43,6 +43,43 @@ private:
     std::shared_ptr<CalcNode> keeper;
 };
 
+// The walks that an element can lead back into its vector: a bit of a
+// node's `walking` each. A walk that finds its bit set has come round a
+// cycle, and stops there.
+enum Walk : unsigned { WalkList = 1, WalkType = 2, WalkLevel = 4, WalkAnswer = 8, WalkActivates = 16,
+                       WalkActivate = 32, WalkValue = 64 };
+
+// Marks one walk as under way for the life of the guard.
+class WalkGuard {
+public:
+    WalkGuard(unsigned& walking, Walk walk) : walking(walking), walk(walk), cycle((walking & walk) != 0) {
+        walking |= walk;
+    }
+    ~WalkGuard() {
+        if (!cycle) walking &= ~static_cast<unsigned>(walk);
+    }
+    WalkGuard(const WalkGuard&) = delete;
+    WalkGuard& operator=(const WalkGuard&) = delete;
+
+private:
+    unsigned& walking;
+    Walk walk;
+
+public:
+    // The walk came back to a node that it is walking.
+    const bool cycle;
+};
+
+// A value that depends on itself has none.
+[[noreturn]] void valueCycle() { throw CalcErrorOperationInvalid("vector", "an element reads itself"); }
+
+// The element that a read points at, for its value; the guard marks the read
+// as under way.
+CalcNode* valueElement(CalcNodeVectorLeaf& leaf, const WalkGuard& guard) {
+    if (guard.cycle) valueCycle();
+    return leaf.getNode();
+}
+
 }  // namespace
 
 // ---- flattening vector arguments ----
@@ -147,7 +184,11 @@ void CalcNodeVector::getBindShifts(ObjAppendList<long>& list) {
     }
 }
 
-int CalcNodeVector::valType() { return generation > 0 && total > 0 ? lastGeneration(0)->valType() : ValNum; }
+int CalcNodeVector::valType() {
+    WalkGuard guard(walking, WalkType);
+    if (guard.cycle) return ValNum;
+    return generation > 0 && total > 0 ? lastGeneration(0)->valType() : ValNum;
+}
 
 CalcNode* CalcNodeVector::implements(const char* what) { return what && same(what, "vector") ? this : nullptr; }
 
@@ -252,6 +293,8 @@ void CalcNodeVector::addGeneration(const char* name, ObjAppendListP<CalcNode>* a
 }
 
 String CalcNodeVector::valPrint() {
+    WalkGuard guard(walking, WalkValue);
+    if (guard.cycle) valueCycle();
     long nd = dims.count;
     if (nd == 0) return String("{}");
     String out(static_cast<int>(nd), '{');
@@ -278,6 +321,8 @@ String CalcNodeVector::valPrint() {
 }
 
 String CalcNodeVector::valInit() {
+    WalkGuard guard(walking, WalkValue);
+    if (guard.cycle) valueCycle();
     String out("vector(");
     for (long k = 0; k < dims.count; ++k) {
         if (k > 0) out += ',';
@@ -296,19 +341,23 @@ String CalcNodeVector::valInit() {
 }
 
 bool CalcNodeVector::activates() {
-    if (generation == 0) return false;
+    WalkGuard guard(walking, WalkActivates);
+    if (guard.cycle || generation == 0) return false;
     for (long long p = 0; p < total; ++p)
         if (lastGeneration(static_cast<long>(p))->activates()) return true;
     return false;
 }
 
 void CalcNodeVector::activate(bool force) {
-    if (generation == 0) return;
+    WalkGuard guard(walking, WalkActivate);
+    if (guard.cycle || generation == 0) return;
     for (long long p = 0; p < total; ++p) lastGeneration(static_cast<long>(p))->activate(force);
 }
 
 int CalcNodeVector::listNodes(std::list<CalcNode*>& out, const char* namePattern, const char* implementsName,
                               bool leavesOnly) {
+    WalkGuard guard(walking, WalkList);
+    if (guard.cycle) return 0;
     int n = 0;
     if (!leavesOnly && name.match(namePattern) && (!implementsName || implements(implementsName))) {
         out.push_back(this);
@@ -321,6 +370,8 @@ int CalcNodeVector::listNodes(std::list<CalcNode*>& out, const char* namePattern
 }
 
 int CalcNodeVector::listNodes(std::list<CalcNode*>& out, Type type) {
+    WalkGuard guard(walking, WalkList);
+    if (guard.cycle) return 0;
     int n = 0;
     if (nodeType() == type) {
         out.push_back(this);
@@ -377,11 +428,15 @@ CalcNode* CalcNodeVectorLeaf::constNode() {
 }
 
 int CalcNodeVectorLeaf::valType() {
+    WalkGuard guard(walking, WalkType);
+    if (guard.cycle) return ValNum;
     CalcNode* e = getNode();
     return e ? e->valType() : vector()->valType();
 }
 
 int CalcNodeVectorLeaf::constLevel() {
+    WalkGuard guard(walking, WalkLevel);
+    if (guard.cycle) return -1;
     int level = -1;
     bool constIndices = true;
     for (long i = 0; i < numArgs(); ++i) {
@@ -400,62 +455,68 @@ int CalcNodeVectorLeaf::constLevel() {
     return level;
 }
 
+// The element's answer, for the leaf where the element answers with itself;
+// none when the element isn't known at parse time, or when asking it comes
+// back here.
+template <class Ask>
+CalcNode* CalcNodeVectorLeaf::elementAnswer(Ask ask) {
+    WalkGuard guard(walking, WalkAnswer);
+    CalcNode* e = guard.cycle ? nullptr : constNode();
+    if (!e) return nullptr;
+    CalcNode* answer = ask(e);
+    return answer == e ? this : answer;
+}
+
 CalcNode* CalcNodeVectorLeaf::implements(const char* what) {
-    CalcNode* e = constNode();
+    WalkGuard guard(walking, WalkAnswer);
+    CalcNode* e = guard.cycle ? nullptr : constNode();
     return e ? e->implements(what) : nullptr;
 }
 
 CalcNode* CalcNodeVectorLeaf::keyword(const char* word, CalcNodeMem* via) {
-    CalcNode* e = constNode();
-    if (!e) return nullptr;
-    CalcNode* answer = e->keyword(word, via);
-    return answer == e ? this : answer;
+    return elementAnswer([&](CalcNode* e) { return e->keyword(word, via); });
 }
 
 CalcNode* CalcNodeVectorLeaf::property(const char* name, CalcNodeMem* via) {
-    CalcNode* e = constNode();
-    if (!e) return nullptr;
-    CalcNode* answer = e->property(name, via);
-    return answer == e ? this : answer;
+    return elementAnswer([&](CalcNode* e) { return e->property(name, via); });
 }
 
 CalcNode* CalcNodeVectorLeaf::method(const char* name, ObjAppendListP<CalcNode>* args, CalcNodeMem* via) {
-    CalcNode* e = constNode();
-    if (!e) return nullptr;
-    CalcNode* answer = e->method(name, args, via);
-    return answer == e ? this : answer;
+    return elementAnswer([&](CalcNode* e) { return e->method(name, args, via); });
 }
 
 CalcNode* CalcNodeVectorLeaf::method(const char* name, ObjAppendListP<CalcNode>* args, const char* argText,
                                      CalcBinder& binder, CalcNodeMem* via) {
-    CalcNode* e = constNode();
-    if (!e) return nullptr;
-    CalcNode* answer = e->method(name, args, argText, binder, via);
-    return answer == e ? this : answer;
+    return elementAnswer([&](CalcNode* e) { return e->method(name, args, argText, binder, via); });
 }
 
 double CalcNodeVectorLeaf::valNum() {
-    CalcNode* e = getNode();
+    WalkGuard guard(walking, WalkValue);
+    CalcNode* e = valueElement(*this, guard);
     return e ? e->valNum() : NaN();
 }
 
 String CalcNodeVectorLeaf::valStr() {
-    CalcNode* e = getNode();
+    WalkGuard guard(walking, WalkValue);
+    CalcNode* e = valueElement(*this, guard);
     return e ? e->valStr() : nullStr();
 }
 
 RawBuffer& CalcNodeVectorLeaf::valRaw(RawBuffer& buffer) {
-    CalcNode* e = getNode();
+    WalkGuard guard(walking, WalkValue);
+    CalcNode* e = valueElement(*this, guard);
     return e ? e->valRaw(buffer) : buffer;
 }
 
 String CalcNodeVectorLeaf::valPrint() {
-    CalcNode* e = getNode();
+    WalkGuard guard(walking, WalkValue);
+    CalcNode* e = valueElement(*this, guard);
     return e ? e->valPrint() : String("nan");
 }
 
 String CalcNodeVectorLeaf::valInit() {
-    CalcNode* e = getNode();
+    WalkGuard guard(walking, WalkValue);
+    CalcNode* e = valueElement(*this, guard);
     return e ? e->valInit() : String("nan");
 }
 

@@ -77,4 +77,21 @@ TEST_F(Hostile, ASetOfFilesNeverHoldsWhatIsNoFile) {
     expectError(run({"set/a*", "-d=t"}), "ERROR-STD022 Invalid argument : file \"set/a3\" can't be examined\n");
 }
 
+// ---------------------------------------------------------------- statements
+
+TEST_F(Hostile, ASizeStatementWithAVectorThatReadsItself) {
+    write("d.bin", "AB");
+    write("v.dd", "v|||\ns|String||a = vector(1); b = a@x(a[0]); a[0] + 1\n");
+    expectError(run({"d.bin", "-d=v"}),
+                "ERROR-CALC018 invalid operation : Operation \"vector\" is invalid or incompatible  (an element reads "
+                "itself)\n",
+                "0> s = ");
+    // the vector itself as a size has no number: a size out of range
+    write("w.dd", "w|||\ns|String||a = vector(1); b = a@x(a); a\n");
+    expectError(run({"d.bin", "-d=w"}),
+                "ERROR-VEXA002 value out-of-range : size reference \"a = vector(1); b = a@x(a); a\" of structure "
+                "\"s\" returns -9223372036854775808\n",
+                "0> s = ");
+}
+
 }  // namespace

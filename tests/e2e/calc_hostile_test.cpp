@@ -1,0 +1,67 @@
+// skelvor-calc on hostile statements: values that refer to themselves,
+// patterns and literals built to cost time, sizes at the limit, output that
+// can't be written. Each run must end with its value, or with a clear error
+// line and status 1; never a crash or a hang.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "Harness.h"
+
+namespace {
+
+// A run that hangs ends at this limit with status -1.
+const int limitSeconds = 20;
+
+e2e::Result calc(const std::vector<std::string>& args, const std::string& cwd = "") {
+    e2e::RunOptions options;
+    options.cwd = cwd;
+    options.timeoutSeconds = limitSeconds;
+    return e2e::calc(args, options);
+}
+
+void expectRun(const e2e::Result& r, int status, const std::string& out, const std::string& err) {
+    EXPECT_EQ(r.out, out);
+    EXPECT_EQ(r.err, err);
+    EXPECT_EQ(r.status, status);
+}
+
+const char* const readsItself =
+    "ERROR-CALC018 invalid operation : Operation \"vector\" is invalid or incompatible  (an element reads itself)\n";
+
+// ---------------------------------------------------------------- vectors that name themselves
+
+TEST(CalcHostile, AVectorElementThatReadsItsOwnVector) {
+    const struct {
+        const char *statement, *out, *err;
+    } rows[] = {
+        // an element that is the vector: printing it has no end
+        {"a = vector(1); a@x(a)", "", readsItself},
+        {"a = vector(1); b = a@x(a); a", "", readsItself},
+        {"a = vector(1); b = a@x(a); vector(a)", "", readsItself},
+        // an element that reads itself, directly or through another
+        {"a = vector(1); b = a@x(a[0]); a[0]", "", readsItself},
+        {"a = vector(2); b = a@x(a[1], a[0]); a[0] + 1", "", readsItself},
+        // reads of other elements, of sizes, of the vector as a whole: values
+        {"a = vector(2); b = a@x(5, a[0]); a[1]", "5\n", ""},
+        {"a = vector(2)[1, 2]; b = a@x(a[1], a[0]); a", "{2,1}\n", ""},
+        {"a = vector(1); b = a@x(a@size(0)); a", "{1}\n", ""},
+        {"a = vector(1); b = a@x(a); min(a)", "nan\n", ""},
+        {"a = vector(1); b = a@x(a); isna(a) + a@dims", "2\n", ""},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.statement);
+        expectRun(calc({r.statement}), *r.err ? 1 : 0, r.out, r.err);
+    }
+}
+
+TEST(CalcHostile, AVectorThatNamesItselfInADefinitionsFile) {
+    e2e::TempDir dir;
+    dir.write("defs", "a = vector(1); b = a@x(a); c = 7\n");
+    expectRun(calc({"-Ddefs", "#c"}, dir.path()), 0, "7\n", "");
+    dir.write("defs", "a = vector(1); b = a@x(a[0]); c = a[0]\n");
+    expectRun(calc({"-Ddefs", "#c"}, dir.path()), 1, "", readsItself);
+}
+
+}  // namespace
