@@ -64,4 +64,28 @@ TEST(CalcHostile, AVectorThatNamesItselfInADefinitionsFile) {
     expectRun(calc({"-Ddefs", "#c"}, dir.path()), 1, "", readsItself);
 }
 
+// ---------------------------------------------------------------- costly patterns and texts
+
+std::string repeat(const std::string& piece, int n) {
+    std::string s;
+    for (int i = 0; i < n; ++i) s += piece;
+    return s;
+}
+
+TEST(CalcHostile, PatternsWithManyStarsMatchInTime) {
+    const std::string as = repeat("a", 200);
+    const struct {
+        std::string statement, out;
+    } rows[] = {
+        {"\"" + as + "\" ~ \"" + repeat("*a", 40) + "*b\"", "0\n"},
+        {"\"" + as + "b\" ~ \"" + repeat("*a", 40) + "*b\"", "1\n"},
+        {"\"" + as + "\" ~ \"" + repeat("*a", 201) + "\"", "0\n"},
+        {"\"" + as + "\" ~ \"" + repeat("*?", 200) + "\"", "1\n"},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.statement.substr(0, 60));
+        expectRun(calc({r.statement}), 0, r.out, "");
+    }
+}
+
 }  // namespace

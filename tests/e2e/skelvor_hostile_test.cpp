@@ -77,6 +77,29 @@ TEST_F(Hostile, ASetOfFilesNeverHoldsWhatIsNoFile) {
     expectError(run({"set/a*", "-d=t"}), "ERROR-STD022 Invalid argument : file \"set/a3\" can't be examined\n");
 }
 
+// ---------------------------------------------------------------- costly field patterns
+
+std::string repeat(const std::string& piece, int n) {
+    std::string s;
+    for (int i = 0; i < n; ++i) s += piece;
+    return s;
+}
+
+TEST_F(Hostile, AFieldPatternWithManyStarsMatchesInTime) {
+    const std::string name = repeat("a", 60);
+    write("d.bin", "AB");
+    write("n.dd", "n|||\n" + name + "|UChar|||\nb|UChar|||\n");
+    const std::string miss = repeat("*a", 40) + "*b";
+    e2e::Result none = run({"d.bin", "-d=n", miss});
+    EXPECT_EQ(none.out, "");
+    EXPECT_EQ(none.err, "WARNING-MAIN : " + miss + " no match found\n");
+    EXPECT_EQ(none.status, 0);
+    e2e::Result found = run({"d.bin", "-d=n", repeat("*a", 60) + "*"});
+    EXPECT_EQ(found.out, "0> " + name + " = 65\n");
+    EXPECT_EQ(found.err, "");
+    EXPECT_EQ(found.status, 0);
+}
+
 // ---------------------------------------------------------------- statements
 
 TEST_F(Hostile, ASizeStatementWithAVectorThatReadsItself) {
