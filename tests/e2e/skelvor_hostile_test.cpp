@@ -100,6 +100,44 @@ TEST_F(Hostile, AFieldPatternWithManyStarsMatchesInTime) {
     EXPECT_EQ(found.status, 0);
 }
 
+// ---------------------------------------------------------------- values at the edge of their range
+
+// Little-endian bytes of a double given by its bits.
+std::string doubleBits(unsigned long long bits) {
+    std::string s;
+    for (int i = 0; i < 8; ++i) s.push_back(static_cast<char>((bits >> (8 * i)) & 0xff));
+    return s;
+}
+
+TEST_F(Hostile, DatesThatAreMissingInfiniteOrOutOfRange) {
+    write("t.dd",
+          "t|||LITTLE-ENDIAN\n"
+          "nan|DateTime|2000||\n"
+          "minusnan|DateTime|1970||\n"
+          "inf|DateTime|2000||\n"
+          "minusinf|DateTime|1970||\n"
+          "huge|DateTime|1970||\n"
+          "minushuge|DateTime|2000||\n"
+          "near|DateTime|2000||\n"
+          "day|Date|2000||\n");
+    write("d.bin", doubleBits(0x7FF8000000000000ULL) + doubleBits(0xFFF8000000000000ULL) +
+                       doubleBits(0x7FF0000000000000ULL) + doubleBits(0xFFF0000000000000ULL) +
+                       doubleBits(0x7E37E43C8800759CULL) /* 1e300 */ + doubleBits(0xFE37E43C8800759CULL) +
+                       doubleBits(0x4199739FDA000000ULL) /* 106751990.5 */ + std::string("\x00\x80", 2));
+    e2e::Result r = run({"d.bin", "-d=t"});
+    EXPECT_EQ(r.out,
+              "00> nan (date) = nan\n"
+              "08> minusnan (date) = nan\n"
+              "16> inf (date) = 19-JAN-2038 03:14:07.000000\n"
+              "24> minusinf (date) = 13-DEC-1901 20:45:52.000000\n"
+              "32> huge (date) = 19-JAN-2038 03:14:07.000000\n"
+              "40> minushuge (date) = 13-DEC-1901 20:45:52.000000\n"
+              "48> near (date) = 08-JAN-294277 12:00:00.000000\n"
+              "56> day (date) = 15-APR-1910\n");
+    EXPECT_EQ(r.err, "");
+    EXPECT_EQ(r.status, 0);
+}
+
 // ---------------------------------------------------------------- statements
 
 TEST_F(Hostile, ASizeStatementWithAVectorThatReadsItself) {
