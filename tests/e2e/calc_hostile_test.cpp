@@ -88,4 +88,26 @@ TEST(CalcHostile, PatternsWithManyStarsMatchInTime) {
     }
 }
 
+TEST(CalcHostile, LongTokensScanInTime) {
+    // one token of each kind, as long as a command line argument may be
+    const int n = 120000;
+    const struct {
+        std::string statement, out;
+    } rows[] = {
+        {"strlen(\"" + repeat("a", n) + "\")", "120000\n"},
+        {"strlen('" + repeat("\\101", n / 4) + "')", "30000\n"},
+        {"x = 1" + repeat(" ", n) + "; x + 1", "2\n"},
+        {"1 //" + repeat("c", n), "1\n"},
+        {"-" + repeat("0", n) + "7", "-7\n"},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.statement.substr(0, 20));
+        expectRun(calc({r.statement}), 0, r.out, "");
+    }
+    // a definitions file has no such limit
+    e2e::TempDir dir;
+    dir.write("defs", "c = \"" + repeat("b", 2000000) + "\"\n");
+    expectRun(calc({"-Ddefs", "strlen(#c)"}, dir.path()), 0, "2000000\n", "");
+}
+
 }  // namespace

@@ -140,6 +140,16 @@ TEST_F(Hostile, DatesThatAreMissingInfiniteOrOutOfRange) {
 
 // ---------------------------------------------------------------- statements
 
+TEST_F(Hostile, ALongLiteralInADefinitionsFileScansInTime) {
+    write("d.bin", "ABC");
+    write("defs", "c = \"" + repeat("a", 2000000) + "\"\n");
+    write("p.dd", "p|||\ns|String||strlen(#c) - 1999998\n");
+    e2e::Result r = run({"d.bin", "-d=p", "-Ddefs"});
+    EXPECT_EQ(r.out, "0> s = \"AB\"\n");
+    EXPECT_EQ(r.err, "");
+    EXPECT_EQ(r.status, 0);
+}
+
 TEST_F(Hostile, ASizeStatementWithAVectorThatReadsItself) {
     write("d.bin", "AB");
     write("v.dd", "v|||\ns|String||a = vector(1); b = a@x(a[0]); a[0] + 1\n");
