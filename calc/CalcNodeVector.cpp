@@ -1,8 +1,10 @@
 #include "calc/CalcNodeVector.h"
 
+#include <climits>
 #include <cmath>
 #include <cstring>
 #include <memory>
+#include <string>
 #include <unordered_set>
 #include <vector>
 
@@ -69,6 +71,23 @@ public:
     // The walk came back to a node that it is walking.
     const bool cycle;
 };
+
+// A copy of a constant node, or null for a null node or any other kind;
+// with make false, only whether there would be one (this node for yes).
+template <class T>
+CalcNode* copyConstantOf(CalcNode* node, bool make) {
+    auto* constant = dynamic_cast<CalcNodeConst<T>*>(node);
+    if (!constant || !make) return constant;
+    return new CalcNodeConst<T>(constant->name.str(), constant->value);
+}
+
+CalcNode* copyConstant(CalcNode* node, bool make = true) {
+    if (!node || node->nodeType() != CalcNode::TypeConst) return nullptr;
+    if (CalcNode* c = copyConstantOf<double>(node, make)) return c;
+    if (CalcNode* c = copyConstantOf<long long>(node, make)) return c;
+    if (CalcNode* c = copyConstantOf<String>(node, make)) return c;
+    return copyConstantOf<RawBuffer>(node, make);
+}
 
 // A value that depends on itself has none.
 [[noreturn]] void valueCycle() { throw CalcErrorOperationInvalid("vector", "an element reads itself"); }
@@ -263,17 +282,25 @@ void CalcNodeVector::addGeneration(const char* name, ObjAppendListP<CalcNode>* a
     }
     if (texts.empty()) throw CalcErrorArgsMissing(name, 1);
 
+    // A text without "$" means the same at every place: once it has compiled
+    // to a constant, its other places get copies of that constant.
+    std::vector<CalcNode*> constants(texts.size(), nullptr);
     long first = elements.count;
+    elements.allocate(total);  // the generation's count is known: room once
     try {
         for (long long p = 0; p < total; ++p) {
             bindNode = generation > 0 ? lastGeneration(static_cast<long>(p)) : nullptr;
-            const String& text = texts[static_cast<size_t>(p % static_cast<long long>(texts.size()))];
-            std::unique_ptr<CalcParser> parser(new CalcParser(text.str(), binder, false));
-            String role("vector[]");
-            parser->assigned(role);
-            CalcNode* element = parser->reduce();
-            if (element) parser.reset();  // the parser gave its result up, or folded
-            else element = parser.release();
+            size_t t = static_cast<size_t>(p % static_cast<long long>(texts.size()));
+            CalcNode* element = copyConstant(constants[t]);
+            if (!element) {
+                std::unique_ptr<CalcParser> parser(new CalcParser(texts[t].str(), binder, false));
+                String role("vector[]");
+                parser->assigned(role);
+                element = parser->reduce();
+                if (element) parser.reset();  // the parser gave its result up, or folded
+                else element = parser.release();
+                if (texts[t].find('$') < 0 && copyConstant(element, false)) constants[t] = element;
+            }
             elements << element;
             // The next position, as an odometer: the last dimension turns fastest.
             for (long k = dims.count - 1; k >= 0; --k) {
@@ -292,12 +319,43 @@ void CalcNodeVector::addGeneration(const char* name, ObjAppendListP<CalcNode>* a
     delete args;  // compiled anew from their text
 }
 
+namespace {
+
+// The text of a vector, gathered in one growing buffer: joining Strings, each
+// of exactly its size, would copy the text so far at each element.
+class VectorText {
+public:
+    VectorText& operator<<(const String& s) {
+        if (s.text) text.append(s.text, static_cast<size_t>(s.length));
+        return *this;
+    }
+    VectorText& operator<<(const char* s) {
+        text += s;
+        return *this;
+    }
+    VectorText& repeat(long n, char c) {
+        text.append(static_cast<size_t>(n), c);
+        return *this;
+    }
+    String str() const {
+        if (text.size() > static_cast<size_t>(INT_MAX - 1))
+            throw CalcErrorOperationInvalid("vector", "text longer than a text can be");
+        return String(text.data(), static_cast<int>(text.size()));
+    }
+
+private:
+    std::string text;
+};
+
+}  // namespace
+
 String CalcNodeVector::valPrint() {
     WalkGuard guard(walking, WalkValue);
     if (guard.cycle) valueCycle();
     long nd = dims.count;
     if (nd == 0) return String("{}");
-    String out(static_cast<int>(nd), '{');
+    VectorText out;
+    out.repeat(nd, '{');
     if (generation > 0) {
         std::vector<long> counter(static_cast<size_t>(nd), 0);
         for (long long p = 0; p < total; ++p) {
@@ -309,35 +367,35 @@ String CalcNodeVector::valPrint() {
                     counter[static_cast<size_t>(k)] = 0;
                     ++wraps;
                 }
-                if (wraps > 0) out += String(wraps, '}');
-                out += ',';
-                if (wraps > 0) out += String(wraps, '{');
+                out.repeat(wraps, '}') << ",";
+                out.repeat(wraps, '{');
             }
-            out += lastGeneration(static_cast<long>(p))->valPrint();
+            out << lastGeneration(static_cast<long>(p))->valPrint();
         }
     }
-    out += String(static_cast<int>(nd), '}');
-    return out;
+    out.repeat(nd, '}');
+    return out.str();
 }
 
 String CalcNodeVector::valInit() {
     WalkGuard guard(walking, WalkValue);
     if (guard.cycle) valueCycle();
-    String out("vector(");
+    VectorText out;
+    out << "vector(";
     for (long k = 0; k < dims.count; ++k) {
-        if (k > 0) out += ',';
-        out << dims.data[k];
+        if (k > 0) out << ",";
+        out << std::to_string(dims.data[k]).c_str();
     }
-    out += ')';
+    out << ")";
     if (total != 0 && generation > 0) {
-        out += '[';
+        out << "[";
         for (long long p = 0; p < total; ++p) {
-            if (p > 0) out += ',';
-            out += lastGeneration(static_cast<long>(p))->valInit();
+            if (p > 0) out << ",";
+            out << lastGeneration(static_cast<long>(p))->valInit();
         }
-        out += ']';
+        out << "]";
     }
-    return out;
+    return out.str();
 }
 
 bool CalcNodeVector::activates() {

@@ -64,12 +64,30 @@ TEST(CalcHostile, AVectorThatNamesItselfInADefinitionsFile) {
     expectRun(calc({"-Ddefs", "#c"}, dir.path()), 1, "", readsItself);
 }
 
-// ---------------------------------------------------------------- costly patterns and texts
+// ---------------------------------------------------------------- costly patterns, texts and sizes
 
 std::string repeat(const std::string& piece, int n) {
     std::string s;
     for (int i = 0; i < n; ++i) s += piece;
     return s;
+}
+
+TEST(CalcHostile, LargeVectorsAreBuiltAndPrintedInTime) {
+    const struct {
+        std::string statement, out;
+    } rows[] = {
+        // the largest vector, of a constant and of a list of constants
+        {"vector(400000)[7]", "{7" + repeat(",7", 399999) + "}\n"},
+        {"a = vector(1000000)[1, \"x\", -2.5]; strlen(a[999997]) + a[999998] + a@size(0)", "999998.5\n"},
+        // elements that depend on their place, or on the generation before
+        {"a = vector(100000)[$1 * 2]; a[99999] + a@size(0)", "299998\n"},
+        {"a = vector(300, 300)[$1 - $2]; a[299, 0] - a[0, 299]", "598\n"},
+        {"a = vector(100000)[1][$0 + 1]; a[12345]", "2\n"},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.statement);
+        expectRun(calc({r.statement}), 0, r.out, "");
+    }
 }
 
 TEST(CalcHostile, PatternsWithManyStarsMatchInTime) {
