@@ -4,6 +4,8 @@
 // with the right value; never a crash, a hang or a wrong value.
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <string>
 #include <vector>
 
@@ -20,10 +22,12 @@ protected:
 
     std::string write(const std::string& name, const std::string& bytes) { return dir.write(name, bytes); }
 
-    e2e::Result run(const std::vector<std::string>& args) {
+    // skelvor in the scratch folder; input, when given, through a pipe.
+    e2e::Result run(const std::vector<std::string>& args, const std::string& input = "") {
         e2e::RunOptions options;
         options.cwd = dir.path();
         options.timeoutSeconds = limitSeconds;
+        options.input = input;
         return e2e::skelvor(args, options);
     }
 
@@ -75,6 +79,62 @@ TEST_F(Hostile, ASetOfFilesNeverHoldsWhatIsNoFile) {
     // a link to nothing that the pattern finds: a part that can't be a set
     e2e::run("/bin/ln", {"-s", "/nonexistent/x", dir.path("set/a3")});
     expectError(run({"set/a*", "-d=t"}), "ERROR-STD022 Invalid argument : file \"set/a3\" can't be examined\n");
+}
+
+// ---------------------------------------------------------------- read buffer sizes
+
+TEST_F(Hostile, BufferSizesBeyondWhatCanBeHad) {
+    write("t.dd", "t|||\na|UChar|||\n");
+    write("d.bin", "AB");
+    const std::string invalid = "ERROR-MAIN002  : invalid buffer size definition -bs=";
+    const std::string noMemory =
+        "ERROR-STD012 Cannot allocate memory : cannot allocate read buffer in InputBStream::initFile\n";
+    const struct {
+        const char* size;
+        std::string fromFile, fromPipe;  // standard error; none: the field is read
+    } rows[] = {
+        // sizes whose count of bytes no long holds
+        {"-9223372036854775808", invalid + "-9223372036854775808 (KBytes)\n",
+         invalid + "-9223372036854775808 (KBytes)\n"},
+        {"9223372036854775807", invalid + "9223372036854775807 (KBytes)\n",
+         invalid + "9223372036854775807 (KBytes)\n"},
+        {"99999999999999999999", invalid + "99999999999999999999 (KBytes)\n",
+         invalid + "99999999999999999999 (KBytes)\n"},
+        {"9007199254740992", invalid + "9007199254740992 (KBytes)\n", invalid + "9007199254740992 (KBytes)\n"},
+        // the largest: a file needs no more than its size, a pipe can't have it
+        {"9007199254740991", "", noMemory},
+        {"-9007199254740991", "", noMemory},
+        {"1000000000", "", noMemory},
+        {"0", "", ""},
+        {"-1", "", ""},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.size);
+        const std::string option = std::string("-bs=") + r.size;
+        e2e::Result file = run({"d.bin", "-d=t", option});
+        EXPECT_EQ(file.err, r.fromFile);
+        EXPECT_EQ(file.out, r.fromFile.empty() ? "0> a = 65\n" : "");
+        EXPECT_EQ(file.status, r.fromFile.empty() ? 0 : 1);
+        e2e::Result pipe = run({"-", "-d=t", option}, "AB");
+        EXPECT_EQ(pipe.err, r.fromPipe);
+        EXPECT_EQ(pipe.out, r.fromPipe.empty() ? "00000000> a = 65\n" : "");
+        EXPECT_EQ(pipe.status, r.fromPipe.empty() ? 0 : 1);
+    }
+}
+
+TEST_F(Hostile, AWholeFileBufferForAFileLargerThanMemory) {
+    // a file with a hole, twice the size of the machine's memory
+    const long long size = 2LL * ::sysconf(_SC_PHYS_PAGES) * ::sysconf(_SC_PAGESIZE);
+    const std::string path = write("huge.bin", "");
+    if (::truncate(path.c_str(), static_cast<off_t>(size)) != 0) GTEST_SKIP() << "no file of that size here";
+    write("t.dd", "t|||\na|UChar|||\n");
+    expectError(run({"huge.bin", "-d=t", "-bs=0"}),
+                "ERROR-STD012 Cannot allocate memory : cannot allocate read buffer in InputBStream::initFile\n");
+    // the default buffer reads it
+    e2e::Result r = run({"huge.bin", "-d=t"});
+    EXPECT_EQ(r.err, "");
+    EXPECT_EQ(r.status, 0);
+    ::unlink(path.c_str());
 }
 
 // ---------------------------------------------------------------- costly field patterns
