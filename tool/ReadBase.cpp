@@ -1,5 +1,6 @@
 #include "tool/ReadBase.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <fstream>
 #include <ostream>
@@ -24,8 +25,9 @@ std::string line;
 
 void writeLine() {
     line += '\n';
+    errno = 0;
     fwrite(line.data(), 1, line.size(), stdout);
-    fflush(stdout);
+    flushOutput();
 }
 
 void warnNoMatch(const String& pattern) {
@@ -91,8 +93,18 @@ void BinOutput::write(const char* bytes, long n) {
         line.assign("Binary output to: ").append(name.str());
         writeLine();
     }
+    errno = 0;
     out->write(bytes, n);
+    if (name.isNull()) {
+        flushOutput();
+        return;
+    }
     out->flush();
+    if (!*out) {
+        int code = errno ? errno : EIO;
+        errno = 0;
+        throw zun::StdError((String("write error on the binary output '") + name + "'").str(), code);
+    }
 }
 
 void read_base(StructElem& element, const FieldList& fields, BinOutput* bin, const char* xopt, bool explode,

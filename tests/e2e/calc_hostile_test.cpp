@@ -64,6 +64,37 @@ TEST(CalcHostile, AVectorThatNamesItselfInADefinitionsFile) {
     expectRun(calc({"-Ddefs", "#c"}, dir.path()), 1, "", readsItself);
 }
 
+// ---------------------------------------------------------------- output that can't be written
+
+// skelvor-calc through the shell, with a redirection of its standard output.
+e2e::Result calcRedirected(const std::string& redirection, const std::vector<std::string>& args) {
+    std::vector<std::string> shellArgs = {"-c", "exec \"$0\" \"$@\" " + redirection, SKELVOR_CALC_BIN};
+    shellArgs.insert(shellArgs.end(), args.begin(), args.end());
+    e2e::RunOptions options;
+    options.timeoutSeconds = limitSeconds;
+    return e2e::run("/bin/sh", shellArgs, options);
+}
+
+TEST(CalcHostile, OutputThatCantBeWrittenIsAnError) {
+    const std::string full = "ERROR-STD028 No space left on device : write error on standard output\n";
+    const std::string closed = "ERROR-STD009 Bad file descriptor : write error on standard output\n";
+    const struct {
+        std::vector<std::string> args;
+        const char* redirection;
+        std::string err;
+    } rows[] = {
+        {{"1 + 1"}, "> /dev/full", full},
+        {{"1 + 1"}, ">&-", closed},
+        // many rows: the first that fails ends the run, reported once
+        {{"-n", "100000000", "iter"}, "> /dev/full", full},
+        {{"-n", "100000000", "iter"}, ">&-", closed},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.args.back() + " " + r.redirection);
+        expectRun(calcRedirected(r.redirection, r.args), 1, "", r.err);
+    }
+}
+
 // ---------------------------------------------------------------- costly patterns, texts and sizes
 
 std::string repeat(const std::string& piece, int n) {

@@ -137,6 +137,36 @@ TEST_F(Hostile, AWholeFileBufferForAFileLargerThanMemory) {
     ::unlink(path.c_str());
 }
 
+// ---------------------------------------------------------------- output that can't be written
+
+TEST_F(Hostile, OutputThatCantBeWrittenIsAnError) {
+    write("t.dd", "t|||\na|UChar|||\nb|UChar|||\n");
+    write("d.bin", "AB");
+    const std::string full = "ERROR-STD028 No space left on device : write error on standard output\n";
+    const std::string closed = "ERROR-STD009 Bad file descriptor : write error on standard output\n";
+    const struct {
+        std::vector<std::string> args;
+        const char* redirections;
+        std::string err;
+    } rows[] = {
+        {{"d.bin", "-d=t"}, "> /dev/full", full},
+        {{"d.bin", "-d=t"}, ">&-", closed},
+        {{"d.bin", "-d=t", "-b"}, "> /dev/full", full},
+        {{"d.bin", "-d=t", "-b"}, ">&-", closed},
+        {{"d.bin", "-d=t", "-i"}, "> /dev/full", full},
+        {{"d.bin", "-d=t", "-base", "-r"}, ">&-", closed},
+        // nothing to write: nothing fails
+        {{"d.bin", "-d=t", "nothing"}, ">&-", "WARNING-MAIN : nothing no match found\n"},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.args.back() + " " + r.redirections);
+        e2e::Result result = runRedirected(r.redirections, r.args);
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.err, r.err);
+        EXPECT_EQ(result.status, r.err == full || r.err == closed ? 1 : 0);
+    }
+}
+
 // ---------------------------------------------------------------- costly field patterns
 
 std::string repeat(const std::string& piece, int n) {
