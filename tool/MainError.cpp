@@ -47,10 +47,11 @@ int mainFrame(int argc, char** argv, int (*body)(int, char**), void (*usage)()) 
         e.log("ERROR-");
         std::exit(1);
     } catch (std::exception& e) {
+        // running out of memory, mostly: an error like any other
         zun::StdError(e.what()).log("ERROR-");
-        return 0;
+        return 1;
     } catch (...) {
         zun::StdError(strerror(errno)).log("ERROR-");
-        return 0;
+        return 1;
     }
 }

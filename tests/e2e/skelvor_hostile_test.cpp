@@ -31,15 +31,20 @@ protected:
         return e2e::skelvor(args, options);
     }
 
-    // skelvor through the shell, with the redirections of its standard
-    // streams that the runner can't make ("< /dev/null", ">&-").
-    e2e::Result runRedirected(const std::string& redirections, const std::vector<std::string>& args) {
-        std::vector<std::string> shellArgs = {"-c", "exec \"$0\" \"$@\" " + redirections, SKELVOR_BIN};
+    // A shell script run in the scratch folder, with skelvor as $0 and args
+    // as its arguments.
+    e2e::Result runShell(const std::string& script, const std::vector<std::string>& args) {
+        std::vector<std::string> shellArgs = {"-c", script, SKELVOR_BIN};
         shellArgs.insert(shellArgs.end(), args.begin(), args.end());
         e2e::RunOptions options;
         options.cwd = dir.path();
         options.timeoutSeconds = limitSeconds;
         return e2e::run("/bin/sh", shellArgs, options);
+    }
+    // skelvor with redirections of its standard streams that the runner
+    // can't make ("< /dev/null", ">&-").
+    e2e::Result runRedirected(const std::string& redirections, const std::vector<std::string>& args) {
+        return runShell("exec \"$0\" \"$@\" " + redirections, args);
     }
 };
 
@@ -165,6 +170,24 @@ TEST_F(Hostile, OutputThatCantBeWrittenIsAnError) {
         EXPECT_EQ(result.err, r.err);
         EXPECT_EQ(result.status, r.err == full || r.err == closed ? 1 : 0);
     }
+}
+
+// ---------------------------------------------------------------- running out of memory
+
+TEST_F(Hostile, RunningOutOfMemoryEndsWithStatusOne) {
+#if defined(__SANITIZE_ADDRESS__)
+    GTEST_SKIP() << "the sanitizers' shadow memory doesn't fit under a limit of the address space";
+#endif
+    // 300 MB of zero bytes in a String: its escaped text alone takes five
+    // times that, beyond a limit of 1.5 GB
+    const std::string path = write("zeros.bin", "");
+    ASSERT_EQ(::truncate(path.c_str(), 314572800), 0);
+    write("s.dd", "s|||\ns|String||314572800\n");
+    e2e::Result r = runShell("ulimit -v 1500000 && exec \"$0\" \"$@\" > /dev/null", {"zeros.bin", "-d=s"});
+    EXPECT_EQ(r.err.rfind("ERROR-", 0), 0u) << r.err;
+    EXPECT_NE(r.err.find("bad_alloc"), std::string::npos) << r.err;
+    EXPECT_EQ(r.status, 1);
+    ::unlink(path.c_str());
 }
 
 // ---------------------------------------------------------------- costly field patterns
