@@ -4,6 +4,7 @@
 // with the right value; never a crash, a hang or a wrong value.
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <string>
@@ -188,6 +189,50 @@ TEST_F(Hostile, RunningOutOfMemoryEndsWithStatusOne) {
     EXPECT_NE(r.err.find("bad_alloc"), std::string::npos) << r.err;
     EXPECT_EQ(r.status, 1);
     ::unlink(path.c_str());
+}
+
+// ---------------------------------------------------------------- dictionaries that are no dictionaries
+
+TEST_F(Hostile, APipeOrADeviceIsNoDictionary) {
+    write("d.bin", "AB");
+    write("fifo.dd", "f|||\na|UChar|||\n");
+    ASSERT_EQ(::mkfifo(dir.path("fifo").c_str(), 0600), 0);
+    write("sub.dd", "s|||\ns|@fifo|||\n");
+    const struct {
+        const char *dictionary, *err;
+    } rows[] = {
+        // the bare name exists, so it is the one chosen, and refused: it would block
+        {"-d=fifo", "ERROR-STD022 Invalid argument : dictionary \"fifo\" is a named pipe, not a regular file\n"},
+        {"-d=sub", "ERROR-STD022 Invalid argument : dictionary \"fifo\" is a named pipe, not a regular file\n"},
+        {"-d=/dev/null",
+         "ERROR-STD022 Invalid argument : dictionary \"/dev/null\" is a character device, not a regular file\n"},
+        {"-u=/dev/zero",
+         "ERROR-STD022 Invalid argument : dictionary \"/dev/zero\" is a character device, not a regular file\n"},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.dictionary);
+        std::vector<std::string> args = {"d.bin", r.dictionary};
+        if (r.dictionary[1] == 'u') args.push_back("-d=fifo.dd");
+        expectError(run(args), r.err);
+    }
+}
+
+TEST_F(Hostile, ABareNameBesideItsDictionary) {
+    write("d.bin", "AB");
+    write("plain.dd", "p|||\nfromdd|UChar|||\n");
+    // only the ".dd" file: it is the dictionary
+    EXPECT_EQ(run({"d.bin", "-d=plain"}).out, "0> fromdd = 65\n");
+    // a bare file of that name is chosen first, when it is a dictionary
+    write("plain", "p|||\nbare|UChar|||\n");
+    EXPECT_EQ(run({"d.bin", "-d=plain"}).out, "0> bare = 65\n");
+    // and refused when it is data: binary from its first line on
+    write("plain", std::string("AB\0\x01\n", 5));
+    expectError(run({"d.bin", "-d=plain"}),
+                "ERROR-VEXA015 dictionary error : header line with a zero byte (binary data) in dictionary 'plain'\n");
+    // a folder of that name stands for its index.dd
+    ::unlink(dir.path("plain").c_str());
+    write("plain/index.dd", "i|||\nindexed|UChar|||\n");
+    EXPECT_EQ(run({"d.bin", "-d=plain"}).out, "0> indexed = 65\n");
 }
 
 // ---------------------------------------------------------------- costly field patterns
