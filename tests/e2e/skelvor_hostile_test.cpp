@@ -235,6 +235,18 @@ TEST_F(Hostile, ABareNameBesideItsDictionary) {
     EXPECT_EQ(run({"d.bin", "-d=plain"}).out, "0> indexed = 65\n");
 }
 
+TEST_F(Hostile, AFieldWhoseTextIsTooLongForAText) {
+    // 440 MB of zero bytes: escaped, five characters each, beyond 32 bits
+    const std::string path = write("zeros.bin", "");
+    ASSERT_EQ(::truncate(path.c_str(), 440000000), 0);
+    write("s.dd", "s|||\ns|String||440000000\n");
+    expectError(run({"zeros.bin", "-d=s"}),
+                "ERROR-STD075 Value too large for defined data type : a text of 2200000000 characters is longer than "
+                "a text can be\n",
+                "000000000> s = ");
+    ::unlink(path.c_str());
+}
+
 // ---------------------------------------------------------------- costly field patterns
 
 std::string repeat(const std::string& piece, int n) {
