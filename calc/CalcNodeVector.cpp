@@ -54,7 +54,10 @@ enum Walk : unsigned { WalkList = 1, WalkType = 2, WalkLevel = 4, WalkAnswer = 8
 // Marks one walk as under way for the life of the guard.
 class WalkGuard {
 public:
-    WalkGuard(unsigned& walking, Walk walk) : walking(walking), walk(walk), cycle((walking & walk) != 0) {
+    // The walk came back to a node that it is walking.
+    const bool cycle;
+
+    WalkGuard(unsigned& marks, Walk walk) : cycle((marks & walk) != 0), walking(marks), walk(walk) {
         walking |= walk;
     }
     ~WalkGuard() {
@@ -66,10 +69,6 @@ public:
 private:
     unsigned& walking;
     Walk walk;
-
-public:
-    // The walk came back to a node that it is walking.
-    const bool cycle;
 };
 
 // A copy of a constant node, or null for a null node or any other kind;
@@ -338,7 +337,7 @@ public:
         return *this;
     }
     String str() const {
-        if (text.size() > static_cast<size_t>(INT_MAX - 1))
+        if (text.size() > static_cast<size_t>(INT_MAX))
             throw CalcErrorOperationInvalid("vector", "text longer than a text can be");
         return String(text.data(), static_cast<int>(text.size()));
     }
