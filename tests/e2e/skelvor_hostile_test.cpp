@@ -83,7 +83,7 @@ TEST_F(Hostile, ASetOfFilesNeverHoldsWhatIsNoFile) {
     EXPECT_EQ(whole.out, "0> a = 65\n1> b = 66\n");
     EXPECT_EQ(whole.status, 0);
     // a link to nothing that the pattern finds: a part that can't be a set
-    e2e::run("/bin/ln", {"-s", "/nonexistent/x", dir.path("set/a3")});
+    ASSERT_EQ(::symlink("/nonexistent/x", dir.path("set/a3").c_str()), 0);
     expectError(run({"set/a*", "-d=t"}), "ERROR-STD022 Invalid argument : file \"set/a3\" can't be examined\n");
 }
 
