@@ -46,19 +46,55 @@ int bracket(const char* p, char ch, int flags, const char** next) {
     return ok != negate ? 1 : 0;
 }
 
+// One pattern element (not a star) at p against the text at s: the place
+// behind the element in the pattern, or null when it doesn't match. The text
+// moves on by one character on a match.
+const char* matchOne(const char* p, const char*& s, const char* start, int flags) {
+    char c = *p++;
+    switch (c) {
+    case '?':
+        if (*s == 0) return nullptr;
+        if (*s == '/' && (flags & FNM_PATHNAME_)) return nullptr;
+        if (hiddenDot(s, start, flags)) return nullptr;
+        break;
+    case '[': {
+        if (*s == 0) return nullptr;
+        if (*s == '/' && (flags & FNM_PATHNAME_)) return nullptr;
+        if (hiddenDot(s, start, flags)) return nullptr;
+        const char* next = nullptr;
+        int r = bracket(p, *s, flags, &next);
+        if (r < 0) {
+            // unclosed: a literal "["
+            if (*s != '[') return nullptr;
+        } else if (r == 0) {
+            return nullptr;
+        } else {
+            p = next;
+        }
+        break;
+    }
+    case '\\':
+        if (!(flags & FNM_NOESCAPE_) && *p) c = *p++;
+        if (*s != c) return nullptr;
+        break;
+    default:
+        if (*s != c) return nullptr;
+        break;
+    }
+    ++s;
+    return p;
+}
+
+// The pattern against the whole text, with one place to go back to: the
+// last "*" and the text where its match ended. A failure behind it lets the
+// star take one more character and tries again from there; an earlier star
+// never needs to, since the last one can take whatever the earlier would.
+// So the cost is at most the pattern's length times the text's.
 int matchFrom(const char* p, const char* s, const char* start, int flags) {
+    const char* starPattern = nullptr;  // behind the last star
+    const char* starText = nullptr;     // where that star's match ends
     for (;;) {
-        char c = *p++;
-        switch (c) {
-        case 0:
-            return *s == 0 ? 0 : 1;
-        case '?':
-            if (*s == 0) return 1;
-            if (*s == '/' && (flags & FNM_PATHNAME_)) return 1;
-            if (hiddenDot(s, start, flags)) return 1;
-            ++s;
-            break;
-        case '*': {
+        if (*p == '*') {
             while (*p == '*') ++p;
             if (hiddenDot(s, start, flags)) return 1;
             if (*p == 0) {
@@ -66,46 +102,28 @@ int matchFrom(const char* p, const char* s, const char* start, int flags) {
                 return 0;
             }
             if (*p == '/' && (flags & FNM_PATHNAME_)) {
+                // the star takes the rest of the component, no more, no less
                 s = std::strchr(s, '/');
                 if (!s) return 1;
-                break;
+                continue;
             }
-            // try every rest of the text; a leading "." matters only once
-            for (; *s; ++s) {
-                if (matchFrom(p, s, start, flags & ~FNM_PERIOD_) == 0) return 0;
-                if (*s == '/' && (flags & FNM_PATHNAME_)) break;
-            }
-            return 1;
+            // a leading "." matters only up to the first star that can take more
+            flags &= ~FNM_PERIOD_;
+            starPattern = p;
+            starText = s;
+            continue;
         }
-        case '[': {
-            if (*s == 0) return 1;
-            if (*s == '/' && (flags & FNM_PATHNAME_)) return 1;
-            if (hiddenDot(s, start, flags)) return 1;
-            const char* next = nullptr;
-            int r = bracket(p, *s, flags, &next);
-            if (r < 0) {
-                // unclosed: a literal "["
-                if (*s != '[') return 1;
-                ++s;
-                break;
-            }
-            if (r == 0) return 1;
+        if (*p == 0) {
+            if (*s == 0) return 0;
+        } else if (const char* next = matchOne(p, s, start, flags)) {
             p = next;
-            ++s;
-            break;
+            continue;
         }
-        case '\\':
-            if (!(flags & FNM_NOESCAPE_)) {
-                if (*p) c = *p++;
-            }
-            if (*s != c) return 1;
-            ++s;
-            break;
-        default:
-            if (*s != c) return 1;
-            ++s;
-            break;
-        }
+        // a mismatch: the last star takes one more character, if it can
+        if (!starPattern || *starText == 0) return 1;
+        if (*starText == '/' && (flags & FNM_PATHNAME_)) return 1;
+        p = starPattern;
+        s = ++starText;
     }
 }
 

@@ -260,6 +260,21 @@ JulianDate& JulianDate::operator+=(double days) {
     return *this;
 }
 
+bool JulianDate::addDays(double days) {
+    if (std::isnan(days)) return false;
+    const double limit = static_cast<double>(MAX_SECONDS) * USEC_PER_SEC;
+    double moved = std::trunc(days * static_cast<double>(SEC_PER_DAY * USEC_PER_SEC));
+    double target = static_cast<double>(usec) + moved;
+    if (!(std::fabs(target) < limit)) {
+        usec = ((target < 0 ? CLAMP_LOW : CLAMP_HIGH) - UNIX_OFFSET) * USEC_PER_SEC;
+        return false;
+    }
+    // the sum in whole microseconds where the move has a count of its own
+    if (std::fabs(moved) < limit) usec += static_cast<long long>(moved);
+    else usec = static_cast<long long>(target);
+    return true;
+}
+
 JulianDate& JulianDate::addYears(int n) {
     if (n == 0) return *this;
     struct tm t = brokenDown();

@@ -26,6 +26,11 @@ public:
     double julianDayD(int epochYear = 2000) const;
     JulianDate& operator+=(int days);
     JulianDate& operator+=(double days);
+    // Moves the point by days, the fraction as part of a day, truncated to
+    // the microsecond. A point beyond the range of the microseconds (also
+    // for an infinite number of days) clamps to the limit on its side, as
+    // update does, and the result is false. NaN leaves the point: false.
+    bool addDays(double days);
     JulianDate& addYears(int n);
     JulianDate& addMonths(int n);
 

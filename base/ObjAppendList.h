@@ -3,7 +3,10 @@
 //
 // The fields are public and read directly: data[i] is element i, count the
 // slots in use, free the slots allocated and not in use. A growth adds at least
-// `increment` slots. Trivially copyable element types live in a realloc'ed
+// `increment` slots; one made by appending adds at least as many as the list
+// holds, so that a list filled one element at a time is filled in linear
+// time. allocate(n) makes room for exactly what it is asked, to reserve a
+// count known in advance. Trivially copyable element types live in a realloc'ed
 // buffer whose free slots are zero-filled at each growth; other types (String)
 // in a new[] array that is copied across.
 #pragma once
@@ -74,7 +77,7 @@ public:
     }
 
     ObjAppendList& operator<<(const T& v) {
-        if (free < 1) allocate(1);
+        if (free < 1) grow(1);
         data[count++] = v;
         --free;
         return *this;
@@ -90,7 +93,7 @@ public:
     }
     ObjAppendList& append(long n, const T* values) {
         if (n <= 0) return *this;
-        allocate(n);
+        grow(n);
         if constexpr (std::is_trivially_copyable<T>::value) {
             std::memcpy(static_cast<void*>(data + count), values, n * sizeof(T));
         } else {
@@ -177,6 +180,14 @@ public:
     long pop(ObjAppendList& to, long n = -1) { return push(to, n); }
 
 protected:
+    // Room for n more elements while appending: the list at least doubles.
+    void grow(long n) {
+        if (free >= n) return;
+        long add = n - free;
+        if (add < increment) add = increment;
+        if (add < count + free) add = count + free;
+        alloc(add, std::is_trivially_copyable<T>());
+    }
     void reverseRange(long a, long b) {
         for (; a < b; ++a, --b) std::swap(data[a], data[b]);
     }

@@ -1,6 +1,8 @@
 #include "base/String.h"
 
 #include <cctype>
+#include <cerrno>
+#include <climits>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -11,14 +13,21 @@
 #include <strings.h>
 #include <utility>
 
+#include "base/Exception.h"
 #include "base/FnMatch.h"
 
 namespace zun {
 
 namespace {
 
-// A fresh buffer of n+1 bytes with the final zero set.
-char* newBuffer(int n) {
+// A fresh buffer of n+1 bytes with the final zero set. A text has a 32-bit
+// length: a longer one is an error, not a length that wraps.
+char* newBuffer(long long n) {
+    if (n > INT_MAX) {
+        char message[96];
+        std::snprintf(message, sizeof message, "a text of %lld characters is longer than a text can be", n);
+        throw StdError(message, EOVERFLOW);
+    }
     char* b = new char[n + 1];
     b[n] = 0;
     return b;
@@ -208,7 +217,7 @@ String& String::swap(const char* a, const char* b) {
     if (n <= 0) return *this;
     int la = static_cast<int>(std::strlen(a));
     int lb = b ? static_cast<int>(std::strlen(b)) : 0;
-    int total = length + n * (lb - la);
+    long long total = length + static_cast<long long>(n) * (lb - la);
     char* out = newBuffer(total);
     char* w = out;
     const char* r = text;
@@ -225,7 +234,7 @@ String& String::swap(const char* a, const char* b) {
     std::memcpy(w, r, endText - r);
     delete[] text;
     text = out;
-    length = total;
+    length = static_cast<int>(total);
     return *this;
 }
 
@@ -256,7 +265,7 @@ String& String::insert(int at, const char* s, int n) {
         at = length;
     }
     // the new buffer is filled before the old one goes, so s may point into it
-    char* out = newBuffer(length + n);
+    char* out = newBuffer(static_cast<long long>(length) + n);
     std::memcpy(out, text, at);
     std::memcpy(out + at, s, n);
     std::memcpy(out + at + n, text + at, length - at);
@@ -269,7 +278,7 @@ String& String::insert(int at, const char* s, int n) {
 char* String::append(const char* s, int n) {
     dropTrailingZeros();
     if (n < 0) n = 0;
-    char* out = newBuffer(length + n);
+    char* out = newBuffer(static_cast<long long>(length) + n);
     if (text) std::memcpy(out, text, length);
     char* start = out + length;
     if (s && *s && n > 0) {
@@ -354,11 +363,12 @@ String& String::operator<<(double v) {
 
 String& String::pad(int width, const char* fill) {
     if (!fill || !*fill) fill = " ";
-    int target = width < 0 ? -width : width;
-    if (length >= target) return *this;
+    long long wanted = width < 0 ? -static_cast<long long>(width) : width;
+    if (length >= wanted) return *this;
+    char* out = newBuffer(wanted);
+    int target = static_cast<int>(wanted);
     int n = target - length;
     int lf = static_cast<int>(std::strlen(fill));
-    char* out = newBuffer(target);
     char* padAt = width > 0 ? out : out + length;
     if (text) std::memcpy(width > 0 ? out + n : out, text, length);
     for (int i = 0; i < n; ++i) padAt[i] = fill[i % lf];
@@ -373,7 +383,7 @@ String& String::quote(char c) {
     if (c == '[') close = ']';
     else if (c == '{') close = '}';
     else if (c == '(') close = ')';
-    char* out = newBuffer(length + 2);
+    char* out = newBuffer(static_cast<long long>(length) + 2);
     out[0] = c;
     if (text) std::memcpy(out + 1, text, length);
     out[length + 1] = close;
@@ -397,7 +407,7 @@ String quoted(const String& text, char mark) {
 
 String& String::escape(bool controls) {
     if (!text) return *this;
-    int total = 0;
+    long long total = 0;
     for (int i = 0; i < length; ++i) {
         unsigned char ch = static_cast<unsigned char>(text[i]);
         if (ch == '\\') total += 2;
@@ -431,7 +441,7 @@ String& String::escape(bool controls) {
     }
     delete[] text;
     text = out;
-    length = total;
+    length = static_cast<int>(total);
     return *this;
 }
 

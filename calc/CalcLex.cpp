@@ -41,10 +41,8 @@ String CalcLex::columnText(int first, int last) const {
 
 int CalcLex::LexerInput(char* buf, int max) {
     if (!input || max < 1) return 0;
-    int c = input->get();
-    if (c == std::char_traits<char>::eof()) return 0;
-    buf[0] = static_cast<char>(c);
-    return 1;
+    input->read(buf, max);
+    return static_cast<int>(input->gcount());
 }
 
 void CalcLex::LexerError(const char* msg) {

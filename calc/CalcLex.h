@@ -104,8 +104,10 @@ public:
 protected:
     std::istream* input = nullptr;
 
-    // One character per call, so that nothing is taken from the stream beyond
-    // the recogniser's lookahead. 0 when the stream has failed or ended.
+    // As much as the stream has, up to max; 0 when it has failed or ended.
+    // The recogniser thus takes more of the stream than the tokens it gives:
+    // whoever stops before the end of the text puts the stream back behind
+    // the last token taken (CalcScanner::scan, CalcParser::init).
     int LexerInput(char* buf, int max) override;
     // Ends the process with status 2: the recogniser found no rule to apply.
     [[noreturn]] void LexerError(const char* msg) override;

@@ -1,8 +1,10 @@
 #include "calc/CalcNodeVector.h"
 
+#include <climits>
 #include <cmath>
 #include <cstring>
 #include <memory>
+#include <string>
 #include <unordered_set>
 #include <vector>
 
@@ -42,6 +44,59 @@ public:
 private:
     std::shared_ptr<CalcNode> keeper;
 };
+
+// The walks that an element can lead back into its vector: a bit of a
+// node's `walking` each. A walk that finds its bit set has come round a
+// cycle, and stops there.
+enum Walk : unsigned { WalkList = 1, WalkType = 2, WalkLevel = 4, WalkAnswer = 8, WalkActivates = 16,
+                       WalkActivate = 32, WalkValue = 64 };
+
+// Marks one walk as under way for the life of the guard.
+class WalkGuard {
+public:
+    // The walk came back to a node that it is walking.
+    const bool cycle;
+
+    WalkGuard(unsigned& marks, Walk walk) : cycle((marks & walk) != 0), walking(marks), walk(walk) {
+        walking |= walk;
+    }
+    ~WalkGuard() {
+        if (!cycle) walking &= ~static_cast<unsigned>(walk);
+    }
+    WalkGuard(const WalkGuard&) = delete;
+    WalkGuard& operator=(const WalkGuard&) = delete;
+
+private:
+    unsigned& walking;
+    Walk walk;
+};
+
+// A copy of a constant node, or null for a null node or any other kind;
+// with make false, only whether there would be one (this node for yes).
+template <class T>
+CalcNode* copyConstantOf(CalcNode* node, bool make) {
+    auto* constant = dynamic_cast<CalcNodeConst<T>*>(node);
+    if (!constant || !make) return constant;
+    return new CalcNodeConst<T>(constant->name.str(), constant->value);
+}
+
+CalcNode* copyConstant(CalcNode* node, bool make = true) {
+    if (!node || node->nodeType() != CalcNode::TypeConst) return nullptr;
+    if (CalcNode* c = copyConstantOf<double>(node, make)) return c;
+    if (CalcNode* c = copyConstantOf<long long>(node, make)) return c;
+    if (CalcNode* c = copyConstantOf<String>(node, make)) return c;
+    return copyConstantOf<RawBuffer>(node, make);
+}
+
+// A value that depends on itself has none.
+[[noreturn]] void valueCycle() { throw CalcErrorOperationInvalid("vector", "an element reads itself"); }
+
+// The element that a read points at, for its value; the guard marks the read
+// as under way.
+CalcNode* valueElement(CalcNodeVectorLeaf& leaf, const WalkGuard& guard) {
+    if (guard.cycle) valueCycle();
+    return leaf.getNode();
+}
 
 }  // namespace
 
@@ -147,7 +202,11 @@ void CalcNodeVector::getBindShifts(ObjAppendList<long>& list) {
     }
 }
 
-int CalcNodeVector::valType() { return generation > 0 && total > 0 ? lastGeneration(0)->valType() : ValNum; }
+int CalcNodeVector::valType() {
+    WalkGuard guard(walking, WalkType);
+    if (guard.cycle) return ValNum;
+    return generation > 0 && total > 0 ? lastGeneration(0)->valType() : ValNum;
+}
 
 CalcNode* CalcNodeVector::implements(const char* what) { return what && same(what, "vector") ? this : nullptr; }
 
@@ -222,17 +281,25 @@ void CalcNodeVector::addGeneration(const char* name, ObjAppendListP<CalcNode>* a
     }
     if (texts.empty()) throw CalcErrorArgsMissing(name, 1);
 
+    // A text without "$" means the same at every place: once it has compiled
+    // to a constant, its other places get copies of that constant.
+    std::vector<CalcNode*> constants(texts.size(), nullptr);
     long first = elements.count;
+    elements.allocate(total);  // the generation's count is known: room once
     try {
         for (long long p = 0; p < total; ++p) {
             bindNode = generation > 0 ? lastGeneration(static_cast<long>(p)) : nullptr;
-            const String& text = texts[static_cast<size_t>(p % static_cast<long long>(texts.size()))];
-            std::unique_ptr<CalcParser> parser(new CalcParser(text.str(), binder, false));
-            String role("vector[]");
-            parser->assigned(role);
-            CalcNode* element = parser->reduce();
-            if (element) parser.reset();  // the parser gave its result up, or folded
-            else element = parser.release();
+            size_t t = static_cast<size_t>(p % static_cast<long long>(texts.size()));
+            CalcNode* element = copyConstant(constants[t]);
+            if (!element) {
+                std::unique_ptr<CalcParser> parser(new CalcParser(texts[t].str(), binder, false));
+                String role("vector[]");
+                parser->assigned(role);
+                element = parser->reduce();
+                if (element) parser.reset();  // the parser gave its result up, or folded
+                else element = parser.release();
+                if (texts[t].find('$') < 0 && copyConstant(element, false)) constants[t] = element;
+            }
             elements << element;
             // The next position, as an odometer: the last dimension turns fastest.
             for (long k = dims.count - 1; k >= 0; --k) {
@@ -251,10 +318,43 @@ void CalcNodeVector::addGeneration(const char* name, ObjAppendListP<CalcNode>* a
     delete args;  // compiled anew from their text
 }
 
+namespace {
+
+// The text of a vector, gathered in one growing buffer: joining Strings, each
+// of exactly its size, would copy the text so far at each element.
+class VectorText {
+public:
+    VectorText& operator<<(const String& s) {
+        if (s.text) text.append(s.text, static_cast<size_t>(s.length));
+        return *this;
+    }
+    VectorText& operator<<(const char* s) {
+        text += s;
+        return *this;
+    }
+    VectorText& repeat(long n, char c) {
+        text.append(static_cast<size_t>(n), c);
+        return *this;
+    }
+    String str() const {
+        if (text.size() > static_cast<size_t>(INT_MAX))
+            throw CalcErrorOperationInvalid("vector", "text longer than a text can be");
+        return String(text.data(), static_cast<int>(text.size()));
+    }
+
+private:
+    std::string text;
+};
+
+}  // namespace
+
 String CalcNodeVector::valPrint() {
+    WalkGuard guard(walking, WalkValue);
+    if (guard.cycle) valueCycle();
     long nd = dims.count;
     if (nd == 0) return String("{}");
-    String out(static_cast<int>(nd), '{');
+    VectorText out;
+    out.repeat(nd, '{');
     if (generation > 0) {
         std::vector<long> counter(static_cast<size_t>(nd), 0);
         for (long long p = 0; p < total; ++p) {
@@ -266,49 +366,55 @@ String CalcNodeVector::valPrint() {
                     counter[static_cast<size_t>(k)] = 0;
                     ++wraps;
                 }
-                if (wraps > 0) out += String(wraps, '}');
-                out += ',';
-                if (wraps > 0) out += String(wraps, '{');
+                out.repeat(wraps, '}') << ",";
+                out.repeat(wraps, '{');
             }
-            out += lastGeneration(static_cast<long>(p))->valPrint();
+            out << lastGeneration(static_cast<long>(p))->valPrint();
         }
     }
-    out += String(static_cast<int>(nd), '}');
-    return out;
+    out.repeat(nd, '}');
+    return out.str();
 }
 
 String CalcNodeVector::valInit() {
-    String out("vector(");
+    WalkGuard guard(walking, WalkValue);
+    if (guard.cycle) valueCycle();
+    VectorText out;
+    out << "vector(";
     for (long k = 0; k < dims.count; ++k) {
-        if (k > 0) out += ',';
-        out << dims.data[k];
+        if (k > 0) out << ",";
+        out << std::to_string(dims.data[k]).c_str();
     }
-    out += ')';
+    out << ")";
     if (total != 0 && generation > 0) {
-        out += '[';
+        out << "[";
         for (long long p = 0; p < total; ++p) {
-            if (p > 0) out += ',';
-            out += lastGeneration(static_cast<long>(p))->valInit();
+            if (p > 0) out << ",";
+            out << lastGeneration(static_cast<long>(p))->valInit();
         }
-        out += ']';
+        out << "]";
     }
-    return out;
+    return out.str();
 }
 
 bool CalcNodeVector::activates() {
-    if (generation == 0) return false;
+    WalkGuard guard(walking, WalkActivates);
+    if (guard.cycle || generation == 0) return false;
     for (long long p = 0; p < total; ++p)
         if (lastGeneration(static_cast<long>(p))->activates()) return true;
     return false;
 }
 
 void CalcNodeVector::activate(bool force) {
-    if (generation == 0) return;
+    WalkGuard guard(walking, WalkActivate);
+    if (guard.cycle || generation == 0) return;
     for (long long p = 0; p < total; ++p) lastGeneration(static_cast<long>(p))->activate(force);
 }
 
 int CalcNodeVector::listNodes(std::list<CalcNode*>& out, const char* namePattern, const char* implementsName,
                               bool leavesOnly) {
+    WalkGuard guard(walking, WalkList);
+    if (guard.cycle) return 0;
     int n = 0;
     if (!leavesOnly && name.match(namePattern) && (!implementsName || implements(implementsName))) {
         out.push_back(this);
@@ -321,6 +427,8 @@ int CalcNodeVector::listNodes(std::list<CalcNode*>& out, const char* namePattern
 }
 
 int CalcNodeVector::listNodes(std::list<CalcNode*>& out, Type type) {
+    WalkGuard guard(walking, WalkList);
+    if (guard.cycle) return 0;
     int n = 0;
     if (nodeType() == type) {
         out.push_back(this);
@@ -377,11 +485,15 @@ CalcNode* CalcNodeVectorLeaf::constNode() {
 }
 
 int CalcNodeVectorLeaf::valType() {
+    WalkGuard guard(walking, WalkType);
+    if (guard.cycle) return ValNum;
     CalcNode* e = getNode();
     return e ? e->valType() : vector()->valType();
 }
 
 int CalcNodeVectorLeaf::constLevel() {
+    WalkGuard guard(walking, WalkLevel);
+    if (guard.cycle) return -1;
     int level = -1;
     bool constIndices = true;
     for (long i = 0; i < numArgs(); ++i) {
@@ -400,62 +512,68 @@ int CalcNodeVectorLeaf::constLevel() {
     return level;
 }
 
+// The element's answer, for the leaf where the element answers with itself;
+// none when the element isn't known at parse time, or when asking it comes
+// back here.
+template <class Ask>
+CalcNode* CalcNodeVectorLeaf::elementAnswer(Ask ask) {
+    WalkGuard guard(walking, WalkAnswer);
+    CalcNode* e = guard.cycle ? nullptr : constNode();
+    if (!e) return nullptr;
+    CalcNode* answer = ask(e);
+    return answer == e ? this : answer;
+}
+
 CalcNode* CalcNodeVectorLeaf::implements(const char* what) {
-    CalcNode* e = constNode();
+    WalkGuard guard(walking, WalkAnswer);
+    CalcNode* e = guard.cycle ? nullptr : constNode();
     return e ? e->implements(what) : nullptr;
 }
 
 CalcNode* CalcNodeVectorLeaf::keyword(const char* word, CalcNodeMem* via) {
-    CalcNode* e = constNode();
-    if (!e) return nullptr;
-    CalcNode* answer = e->keyword(word, via);
-    return answer == e ? this : answer;
+    return elementAnswer([&](CalcNode* e) { return e->keyword(word, via); });
 }
 
 CalcNode* CalcNodeVectorLeaf::property(const char* name, CalcNodeMem* via) {
-    CalcNode* e = constNode();
-    if (!e) return nullptr;
-    CalcNode* answer = e->property(name, via);
-    return answer == e ? this : answer;
+    return elementAnswer([&](CalcNode* e) { return e->property(name, via); });
 }
 
 CalcNode* CalcNodeVectorLeaf::method(const char* name, ObjAppendListP<CalcNode>* args, CalcNodeMem* via) {
-    CalcNode* e = constNode();
-    if (!e) return nullptr;
-    CalcNode* answer = e->method(name, args, via);
-    return answer == e ? this : answer;
+    return elementAnswer([&](CalcNode* e) { return e->method(name, args, via); });
 }
 
 CalcNode* CalcNodeVectorLeaf::method(const char* name, ObjAppendListP<CalcNode>* args, const char* argText,
                                      CalcBinder& binder, CalcNodeMem* via) {
-    CalcNode* e = constNode();
-    if (!e) return nullptr;
-    CalcNode* answer = e->method(name, args, argText, binder, via);
-    return answer == e ? this : answer;
+    return elementAnswer([&](CalcNode* e) { return e->method(name, args, argText, binder, via); });
 }
 
 double CalcNodeVectorLeaf::valNum() {
-    CalcNode* e = getNode();
+    WalkGuard guard(walking, WalkValue);
+    CalcNode* e = valueElement(*this, guard);
     return e ? e->valNum() : NaN();
 }
 
 String CalcNodeVectorLeaf::valStr() {
-    CalcNode* e = getNode();
+    WalkGuard guard(walking, WalkValue);
+    CalcNode* e = valueElement(*this, guard);
     return e ? e->valStr() : nullStr();
 }
 
 RawBuffer& CalcNodeVectorLeaf::valRaw(RawBuffer& buffer) {
-    CalcNode* e = getNode();
+    WalkGuard guard(walking, WalkValue);
+    CalcNode* e = valueElement(*this, guard);
     return e ? e->valRaw(buffer) : buffer;
 }
 
 String CalcNodeVectorLeaf::valPrint() {
-    CalcNode* e = getNode();
+    WalkGuard guard(walking, WalkValue);
+    CalcNode* e = valueElement(*this, guard);
     return e ? e->valPrint() : String("nan");
 }
 
 String CalcNodeVectorLeaf::valInit() {
-    CalcNode* e = getNode();
+    WalkGuard guard(walking, WalkValue);
+    CalcNode* e = valueElement(*this, guard);
     return e ? e->valInit() : String("nan");
 }
 

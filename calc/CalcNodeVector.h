@@ -76,6 +76,11 @@ public:
     // Binder side: $0 to $9 while bindActive.
     CalcNode* bindSymbol(const char* name) override;
 
+    // The walks over the elements that are under way. An element may lead
+    // back to its vector, through the vector's variable or a read of the
+    // vector: such a walk stops where it comes back.
+    unsigned walking = 0;
+
 private:
     // Adds a generation from the texts of a list; answers the vector.
     void addGeneration(const char* name, ObjAppendListP<CalcNode>* args, const char* argText, CalcBinder& binder);
@@ -107,9 +112,14 @@ public:
     String valPrint() override;
     String valInit() override;
 
+    unsigned walking = 0;  // as the vector's: the walks through this read under way
+
 private:
     // The element when every index is constant, else null.
     CalcNode* constNode();
+    // ask(element) for keyword, property and method, as told there.
+    template <class Ask>
+    CalcNode* elementAnswer(Ask ask);
 };
 
 // v@size(k): the size of dimension k (from 1), or of the whole for 0.

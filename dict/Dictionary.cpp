@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -39,6 +40,22 @@ void prepareSlots(ObjAppendList<String>& columns, int count, std::initializer_li
     columns.flush(false);
     for (int i = 0; i < count; ++i) columns << String("");
     for (int i : marked) columns[i] = "%";
+}
+
+// A dictionary is read from a regular file: a named pipe or a device would
+// block or never end. A path that names nothing is left to the check that
+// reports a missing file.
+void refuseNonFile(const String& file) {
+    struct stat st;
+    bool other = ::stat(file.str(), &st) == 0 && !S_ISREG(st.st_mode);
+    errno = 0;
+    if (!other) return;
+    String text("dictionary ");
+    text += quoted(file);
+    text += " is ";
+    text += zun::FileUtils::kindName(file.str());
+    text += ", not a regular file";
+    throw zun::StdError(text.str(), 22);
 }
 
 }  // namespace
@@ -104,14 +121,17 @@ void Dictionary::init(const char* given) {
     } else if (statPath(file + ".dd", isDirectory)) {
         file += ".dd";
     }
+    refuseNonFile(file);
     zun::FileUtils::pathNameCheck(file.str(), nullptr);
     stream = new zun::InputFStream(file.str());
     // Until the header is in, a failure fails the constructor: nobody else
     // would close the file.
     std::unique_ptr<zun::InputStream> closeOnFailure(stream);
     // The header counts even as the only line, without a newline.
-    stream->getline(line, lineSize, '\n');
-    if (!stream->eof() && stream->fail()) throwLineTooLong();
+    readLine();
+    // Data that is no dictionary shows itself at once: a zero byte in the
+    // header, which no text has. (In a later line it ends the line.)
+    if (lineHoldsZero()) throw ErrorDictionary(path().str(), "header line with a zero byte (binary data)");
     closeOnFailure.release();
     ObjAppendList<String> columns;
     prepareSlots(columns, 4, {1, 2});
@@ -128,6 +148,13 @@ bool Dictionary::readLine() {
     if (stream->eof()) return false;
     if (stream->fail()) throwLineTooLong();
     return true;
+}
+
+bool Dictionary::lineHoldsZero() const {
+    // what the last getline took, less the newline that it took if it found one
+    long taken = static_cast<long>(static_cast<zun::InputStreamStl*>(stream)->stream()->gcount());
+    bool newline = !stream->eof() && !stream->fail();
+    return static_cast<long>(std::strlen(line)) < taken - (newline ? 1 : 0);
 }
 
 void Dictionary::throwLineTooLong() const {

@@ -77,6 +77,8 @@ public:
 private:
     // Reads the next line into `line`; false at the end of the file.
     bool readLine();
+    // Whether the line just read held a zero byte, where its text ends.
+    bool lineHoldsZero() const;
     [[noreturn]] void throwLineTooLong() const;
     StructElem* makeElement(StructElem* prev, StructElem* parent, StructElem*& offsetElem,
                             zun::ObjAppendList<zun::String>& columns);

@@ -137,7 +137,10 @@ InputStream* File::resolveDataFile(const char* path, ByteOrder order, const char
         InputStream::ByteOrder o = order == OrderNone ? InputStream::HwOrder : streamOrder(order);
         try {
             return server.getFile(path, o, driver, option);
-        } catch (zun::Exception&) {
+        } catch (zun::StdError& e) {
+            // Only a path that names no file may stand for a folder; a file
+            // that can't be read, or a buffer that can't be had, is the answer.
+            if (e.code() != 2) throw;
             const char* name = std::getenv("VEXA_DEFAULT_DATAFILE");
             String second = given + "/" + (name ? name : "index");
             return server.getFile(second.str(), o, driver, option);

@@ -22,6 +22,43 @@ bool FileUtils::checkFile(const char* path) {
     return S_ISREG(st.st_mode) || S_ISFIFO(st.st_mode);
 }
 
+bool FileUtils::isDirectory(const char* path) {
+    struct stat st;
+    if (!path || ::stat(path, &st) != 0) {
+        errno = 0;
+        return false;
+    }
+    return S_ISDIR(st.st_mode);
+}
+
+const char* FileUtils::kindName(const char* path) {
+    struct stat st;
+    if (!path || ::stat(path, &st) != 0) {
+        errno = 0;
+        return nullptr;
+    }
+    if (S_ISREG(st.st_mode)) return "a regular file";
+    if (S_ISFIFO(st.st_mode)) return "a named pipe";
+    if (S_ISDIR(st.st_mode)) return "a directory";
+    if (S_ISCHR(st.st_mode)) return "a character device";
+    if (S_ISBLK(st.st_mode)) return "a block device";
+    if (S_ISSOCK(st.st_mode)) return "a socket";
+    return "of an unknown kind";
+}
+
+void FileUtils::checkDataFile(const char* path) {
+    if (checkFile(path)) return;
+    String text("file ");
+    text += String(path).quote('"');
+    const char* kind = kindName(path);
+    text += kind ? " is " : " can't be examined";
+    if (kind) {
+        text += kind;
+        text += ", not a regular file or a named pipe";
+    }
+    throw StdError(text.str(), 22);
+}
+
 String FileUtils::pathName(const char* name, const char* folder) {
     if (!folder) return String(name);
     String path(folder);

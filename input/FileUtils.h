@@ -12,6 +12,15 @@ class FileUtils {
 public:
     // True if path is a regular file or a FIFO.
     static bool checkFile(const char* path);
+    // True if path is a folder.
+    static bool isDirectory(const char* path);
+    // What stat says path is, for messages: "a regular file", "a named pipe",
+    // "a directory", "a character device", "a block device", "a socket";
+    // null when stat fails.
+    static const char* kindName(const char* path);
+    // Nothing when path is a regular file or a FIFO, the kinds of file that
+    // data is read from; otherwise StdError code 22 naming path and what it is.
+    static void checkDataFile(const char* path);
     // folder, a "/" unless folder ends in one, and name; name alone without folder.
     static String pathName(const char* name, const char* folder);
     // pathName, which must be a regular file or a FIFO; else StdError code 2.

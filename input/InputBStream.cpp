@@ -1,7 +1,9 @@
 #include "input/InputBStream.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <climits>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -13,6 +15,18 @@
 #include "input/InputMultiFile.h"
 
 namespace zun {
+
+namespace {
+
+// The bytes of memory of the machine; the largest long when unknown.
+long physicalMemory() {
+    long pages = ::sysconf(_SC_PHYS_PAGES);
+    long pageSize = ::sysconf(_SC_PAGESIZE);
+    if (pages <= 0 || pageSize <= 0 || pages > LONG_MAX / pageSize) return LONG_MAX;
+    return pages * pageSize;
+}
+
+}  // namespace
 
 InputBStream::InputBStream(const char* name, int order) : InputStream(name, order) {}
 
@@ -38,27 +52,37 @@ void InputBStream::initFile(unsigned long bufBytes, bool multi) {
     source = nullptr;
     delete[] buffer;
     buffer = nullptr;
+    bool plainFile = false;
     if (!streamName.text || (!multi && FileUtils::checkFile(streamName.text))) {
         auto* file = new InputBasicFile(streamName.text, byteOrder);
         file->unbuffered();
         source = file;
         if (!streamName.text) streamName = "(stdin)";
+        plainFile = true;
     } else {
         source = new InputMultiFile(streamName.text, byteOrder, "basic", nullptr);
     }
     fifo = source->isFifo();
 
-    long bytes = static_cast<long>(bufBytes);
+    const long smallest = 2048;
+    long bytes = bufBytes > static_cast<unsigned long>(LONG_MAX) ? LONG_MAX : static_cast<long>(bufBytes);
     if (bytes <= 0) {
         bytes = source->size();
-        if (bytes <= 0) bytes = 2048;
+        if (bytes <= 0) bytes = smallest;
+    } else if (plainFile && !fifo) {
+        // a file that can seek needs no buffer beyond its own size
+        long size = source->size();
+        if (size < smallest) size = smallest;
+        if (bytes > size) bytes = size;
     }
     bufSize = bytes;
     if (bufSize <= 2048) keep = bufSize / 2;
     else keep = fifo ? bufSize - 1024 : 1024;
 
-    buffer = new (std::nothrow) char[bufSize];
-    if (!buffer) throw StdError("cannot allocate read buffer in InputBStream::initFile", 12);
+    // A buffer beyond the memory of the machine is refused rather than
+    // tried: the system might promise it and fail when it is filled.
+    if (bytes > physicalMemory() || !(buffer = new (std::nothrow) char[bufSize]))
+        throw StdError("cannot allocate read buffer in InputBStream::initFile", 12);
     bufStart = pos = bufFill = 0;
     eofFlag = failFlag = false;
 }

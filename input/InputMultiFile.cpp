@@ -42,6 +42,9 @@ void InputMultiFile::open(const char* driver, const char* option) {
     if (FileUtils::checkFile(path)) {
         streams << openPart(path, byteOrder, driver, option);
     } else {
+        // A device or socket is no set of files: listing its folder would
+        // find it again, and open it as a set again, without end.
+        if (FileUtils::kindName(path) && !FileUtils::isDirectory(path)) FileUtils::checkDataFile(path);
         String folder = FileUtils::dirName(path, false);
         String pattern = FileUtils::baseName(path, false);
         ObjAppendList<String> names;
@@ -56,6 +59,8 @@ void InputMultiFile::open(const char* driver, const char* option) {
             const String& full = names[i];
             String base = FileUtils::baseName(full.text, false);
             if (base.match(".*")) continue;
+            // Each part is a file of its own, never a set again.
+            FileUtils::checkDataFile(full.text);
             if (full.match("*@")) {
                 // the file's name goes in front of its bytes, two digits of length first
                 char head[16];

@@ -1,5 +1,7 @@
 #include "input/InputServer.h"
 
+#include <climits>
+
 #include "input/FileUtils.h"
 #include "input/InputBStream.h"
 #include "input/InputBasicFile.h"
@@ -105,6 +107,9 @@ bool bufferBytes(const char* option, unsigned long& bytes) {
     String kb(option);
     if (!kb.isInteger()) return false;
     long n = kb.toLong();
+    // the sign is dropped; the count of bytes must fit a long
+    const long most = LONG_MAX / 1024;
+    if (n < -most || n > most) return false;
     if (n < 0) n = -n;
     bytes = static_cast<unsigned long>(n) * 1024;
     return true;

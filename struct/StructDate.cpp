@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "struct/Error.h"
 #include "struct/StructString.h"
 
 using zun::JulianDate;
@@ -20,16 +21,44 @@ int daySecondsWrapped(int n) {
     return static_cast<int>(static_cast<uint32_t>(n) * 86400u);
 }
 
+// The text of the date `days` days after the 1st of January of year: the
+// date alone, or with the time. A missing number is a missing date, and
+// prints as a missing number does.
+String dateText(double days, int year, bool withTime) {
+    if (std::isnan(days)) return String("nan");
+    JulianDate date;
+    daysToDate(days, year, date);
+    return withTime ? date.str(-1) : date.dateStr();
+}
+
+// x, which a DateTime value v gave for an integer read of the given type,
+// must lie in [low, high): NaN, infinities and numbers too large have no
+// such value.
+void checkIntegral(StructElem& e, double x, double low, double high, const char* type, double v) {
+    if (x >= low && x < high) return;
+    String text("date of structure \"");
+    text += e.getPathName();
+    text += "\" out of range for ";
+    text += type;
+    text += ": ";
+    text << v;
+    throw ErrorValueRange(text.str());
+}
+
+const double two63 = 9223372036854775808.0;
+
 }  // namespace
 
 JulianDate& daysToDate(double days, int year, JulianDate& date) {
+    if (std::isnan(days)) return date;
     if (year == 2000) {
-        date.usec = static_cast<long long>(days * usecPerDay);
+        date.usec = 0;
+        date.addDays(days);
         return date;
     }
     char start[32];
     std::snprintf(start, sizeof start, "01-JAN-%4d", year);
-    if (date.init(start)) date.usec += static_cast<long long>(days * usecPerDay);
+    if (date.init(start)) date.addDays(days);
     return date;
 }
 
@@ -46,8 +75,7 @@ String& StructNumDate::readString(String& target, int append) {
     double v;
     readDouble(v);
     if (!append) target = "";
-    JulianDate date;
-    target += daysToDate(v, year, date).dateStr();
+    target += dateText(v, year, false);
     return target;
 }
 
@@ -55,8 +83,7 @@ std::stringstream& StructNumDate::readStr(std::stringstream& out, int append) {
     double v;
     readDouble(v);
     if (!append) out.flush();
-    JulianDate date;
-    out << daysToDate(v, year, date).dateStr();
+    out << dateText(v, year, false);
     return out;
 }
 
@@ -73,8 +100,7 @@ String& StructNumDateTime::readString(String& target, int append) {
     double v;
     read(v);
     if (!append) target = "";
-    JulianDate date;
-    target += daysToDate(v, year, date).str(-1);
+    target += dateText(v, year, true);
     return target;
 }
 
@@ -82,29 +108,34 @@ std::stringstream& StructNumDateTime::readStr(std::stringstream& out, int append
     double v;
     read(v);
     if (!append) out.flush();
-    JulianDate date;
-    out << daysToDate(v, year, date).str(-1);
+    out << dateText(v, year, true);
     return out;
 }
 
 short& StructNumDateTime::readSShort(short& v) {
     double d;
     read(d);
-    v = static_cast<short>(static_cast<int>(std::floor(d)));
+    double day = std::floor(d);
+    checkIntegral(*this, day, -2147483648.0, 2147483648.0, "SShort", d);
+    v = static_cast<short>(static_cast<int>(day));
     return v;
 }
 
 unsigned long& StructNumDateTime::readULong(unsigned long& v) {
     double d;
     read(d);
-    v = static_cast<unsigned long>((d - std::floor(d)) * usecPerDay);
+    double usec = (d - std::floor(d)) * usecPerDay;
+    checkIntegral(*this, usec, 0, 2 * two63, "ULong", d);
+    v = static_cast<unsigned long>(usec);
     return v;
 }
 
 long long& StructNumDateTime::readSLLong(long long& v) {
     double d;
     read(d);
-    v = static_cast<long long>(d * usecPerDay);
+    double usec = d * usecPerDay;
+    checkIntegral(*this, usec, -two63, two63, "SLLong", d);
+    v = static_cast<long long>(usec);
     return v;
 }
 

@@ -9,7 +9,9 @@
 namespace vexa {
 
 // The date `days` days (fraction included) after the 1st of January of year.
-// When that start can't be made the date is what JulianDate::init left.
+// When that start can't be made the date is what JulianDate::init left; a
+// date beyond the range of JulianDate clamps as JulianDate::addDays does.
+// NaN, a missing number, is a missing date: the date is left as it was.
 zun::JulianDate& daysToDate(double days, int year, zun::JulianDate& date);
 
 class StructNumDate : public StructNumSShort {

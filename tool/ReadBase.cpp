@@ -1,5 +1,6 @@
 #include "tool/ReadBase.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <fstream>
 #include <ostream>
@@ -26,8 +27,9 @@ std::string line;
 
 void writeLine() {
     line += '\n';
+    errno = 0;
     fwrite(line.data(), 1, line.size(), stdout);
-    fflush(stdout);
+    flushOutput();
 }
 
 // The value texts go into the line as they are made; a line that grows long
@@ -37,8 +39,10 @@ public:
     void write(const char* text, size_t n) override {
         line.append(text, n);
         if (line.size() >= (1u << 20)) {
+            errno = 0;
             fwrite(line.data(), 1, line.size(), stdout);
             line.clear();
+            if (std::ferror(stdout)) flushOutput();
         }
     }
 };
@@ -106,8 +110,18 @@ void BinOutput::write(const char* bytes, long n) {
         line.assign("Binary output to: ").append(name.str());
         writeLine();
     }
+    errno = 0;
     out->write(bytes, n);
+    if (name.isNull()) {
+        flushOutput();
+        return;
+    }
     out->flush();
+    if (!*out) {
+        int code = errno ? errno : EIO;
+        errno = 0;
+        throw zun::StdError((String("write error on the binary output '") + name + "'").str(), code);
+    }
 }
 
 namespace {

@@ -1,8 +1,11 @@
 #include "tool/Reader.h"
 
+#include <cerrno>
+#include <climits>
 #include <clocale>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <iostream>
 
 #include "base/JulianDate.h"
@@ -103,12 +106,18 @@ vexa::File::ByteOrder codingStandard(zun::Args& args) {
     throw MainError(2, (String("invalid coding standard option -cs=") + v).str());
 }
 
+// The -bs value: kilobytes, of either sign, whose count of bytes a long holds.
 long bufferKBytes(zun::Args& args) {
     const char* bs = args.option("-bs", '=');
     if (!bs) return 5;
     String v(bs);
-    if (!v.isInteger()) throw MainError(2, (String("invalid buffer size definition -bs=") + v + " (KBytes)").str());
-    return v.toLong();
+    const long most = LONG_MAX / 1024;
+    errno = 0;
+    long kbytes = v.isInteger() ? std::strtol(v.str(), nullptr, 10) : 0;
+    bool inRange = v.isInteger() && errno == 0 && kbytes >= -most && kbytes <= most;
+    errno = 0;
+    if (!inRange) throw MainError(2, (String("invalid buffer size definition -bs=") + v + " (KBytes)").str());
+    return kbytes;
 }
 
 void globalParameters(zun::Args& args) {

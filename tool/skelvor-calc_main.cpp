@@ -1,6 +1,8 @@
 // skelvor-calc: evaluates one statement of the expression language and prints
 // its value, once, or once per row of an iteration.
+#include <cerrno>
 #include <clocale>
+#include <cstdio>
 #include <iostream>
 
 #include "base/JulianDate.h"
@@ -84,9 +86,13 @@ void addParameter(zun::CalcBinderNodeList& parameters, const char* definition) {
     parameters << new zun::CalcNodeConst<String>(name.text, value);
 }
 
+// One line of output. A line that can't be written ends the run: the rows
+// behind it would fail as well.
 void printLine(const String& text) {
+    errno = 0;
     if (text.text) std::cout.write(text.text, text.length);
     std::cout << '\n';
+    if (!std::cout || std::ferror(stdout)) flushOutput();
 }
 
 int calcMain(int argc, char** argv) {
@@ -135,8 +141,7 @@ int calcMain(int argc, char** argv) {
             printLine(result->valPrint());
         }
     }
-    std::cout.flush();
-    return 0;
+    return 0;  // the frame writes what is left of the output
 }
 
 // A bare text thrown by the expression language is an error of the statement.

@@ -211,6 +211,7 @@ TEST_F(Server, DriversAndTheirOptions) {
         // buffer sizes in kilobytes; 0 takes the file's size, empty the default
         {"d.bin", "buffer", "5", "buffer 5120"}, {"d.bin", "buffer", "-3", "buffer 3072"},
         {"d.bin", "buffer", "0", "buffer 10000"}, {"d.bin", "buffer", "", "buffer 2048"},
+        {"d.bin", "buffer", "50", "buffer 10000"},  // no more than the file's size
         {"d.bin", "buffer", "5k", "none"}, {"d.bin", "memory", nullptr, "buffer 10000"},
         // a driver without a default option takes none
         {"d.bin", "memory", "4", "none"}, {"d.bin", "basic", nullptr, "basic"}, {"d.bin", "basic", "1", "none"},
@@ -218,8 +219,9 @@ TEST_F(Server, DriversAndTheirOptions) {
         // the driver inside the path
         {"d.bin::basic", nullptr, nullptr, "basic"}, {"d.bin::buffer:3", nullptr, nullptr, "buffer 3072"},
         {"d.bin::buffer", nullptr, nullptr, "buffer 2048"},
-        // wildcards open each match by the driver; bmulti buffers a set, even a set of one
-        {"w*", nullptr, nullptr, "multi of buffer 2048"}, {"w*", "buffer", "3", "multi of buffer 3072"},
+        // wildcards open each match by the driver; bmulti buffers a set, even a set of one;
+        // a part as small as these needs no buffer beyond the smallest
+        {"w*", nullptr, nullptr, "multi of buffer 2048"}, {"w*", "buffer", "3", "multi of buffer 2048"},
         {"w*", "basic", nullptr, "multi of basic"}, {"w*", "multi", nullptr, "multi of buffer 2048"},
         {"w*", "bmulti", "1", "bmulti 1024"}, {"w1", "bmulti", nullptr, "bmulti 2048"},
     };
