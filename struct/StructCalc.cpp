@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <type_traits>
 
 #include "input/InputStream.h"
@@ -15,7 +16,13 @@ namespace vexa {
 
 template <class T>
 T fromStatement(double v) {
-    if constexpr (std::is_floating_point<T>::value) {
+    if constexpr (std::is_same<T, float>::value) {
+        // Beyond the range of float: the infinity of its sign.
+        const double largest = 3.4028234663852886e38;
+        if (v > largest) return std::numeric_limits<float>::infinity();
+        if (v < -largest) return -std::numeric_limits<float>::infinity();
+        return static_cast<float>(v);
+    } else if constexpr (std::is_floating_point<T>::value) {
         return static_cast<T>(v);
     } else {
         const double two63 = 9223372036854775808.0;
@@ -115,6 +122,12 @@ short& StructCalcSChar::read(short& v) {
 void StructCalcSChar::appendValue(RawBuffer& buffer) {
     char c = readChar();
     buffer.append(1, &c);
+}
+
+float& StructCalcDateTime::readFloat(float& v) {
+    double d = value();
+    v = static_cast<float>((d - std::floor(d)) * 86400.0);
+    return v;
 }
 
 // ---------------------------------------------------------------------------

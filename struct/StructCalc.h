@@ -99,6 +99,23 @@ protected:
     void appendValue(zun::RawBuffer& buffer) override;
 };
 
+// A date from a number of days, the reference year in the unit column.
+class StructCalcDate : public DaysAsDate<StructCalcSShort> {
+public:
+    StructCalcDate(StructElem* prev, StructElem* parent, const char* name, int year, const char* statement)
+        : DaysAsDate<StructCalcSShort>(year, prev, parent, name, "Date", statement) {}
+    ElemType getType() const override { return TypeDate; }
+};
+
+class StructCalcDateTime : public DaysAsDateTime<StructCalcDouble> {
+public:
+    StructCalcDateTime(StructElem* prev, StructElem* parent, const char* name, int year, const char* statement)
+        : DaysAsDateTime<StructCalcDouble>(year, prev, parent, name, "DateTime", statement) {}
+    ElemType getType() const override { return TypeDateTime; }
+    // The seconds of the day.
+    float& readFloat(float& v) override;
+};
+
 // A text.
 class StructCalcStr : public StructElem {
 public:

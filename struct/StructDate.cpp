@@ -21,16 +21,6 @@ int daySecondsWrapped(int n) {
     return static_cast<int>(static_cast<uint32_t>(n) * 86400u);
 }
 
-// The text of the date `days` days after the 1st of January of year: the
-// date alone, or with the time. A missing number is a missing date, and
-// prints as a missing number does.
-String dateText(double days, int year, bool withTime) {
-    if (std::isnan(days)) return String("nan");
-    JulianDate date;
-    daysToDate(days, year, date);
-    return withTime ? date.str(-1) : date.dateStr();
-}
-
 // x, which a DateTime value v gave for an integer read of the given type,
 // must lie in [low, high): NaN, infinities and numbers too large have no
 // such value.
@@ -49,6 +39,13 @@ const double two63 = 9223372036854775808.0;
 
 }  // namespace
 
+String dateText(double days, int year, bool withTime) {
+    if (std::isnan(days)) return String("nan");
+    JulianDate date;
+    daysToDate(days, year, date);
+    return withTime ? date.str(-1) : date.dateStr();
+}
+
 JulianDate& daysToDate(double days, int year, JulianDate& date) {
     if (std::isnan(days)) return date;
     if (year == 2000) {
@@ -65,78 +62,22 @@ JulianDate& daysToDate(double days, int year, JulianDate& date) {
 // ---------------------------------------------------------------------------
 
 
-JulianDate& StructNumDate::readDateTime(JulianDate& date) {
-    double v;
-    readDouble(v);
-    return daysToDate(v, year, date);
+short daysOf(StructElem& e, double v) {
+    double day = std::floor(v);
+    checkIntegral(e, day, -2147483648.0, 2147483648.0, "SShort", v);
+    return static_cast<short>(static_cast<int>(day));
 }
 
-String& StructNumDate::readString(String& target, int append) {
-    double v;
-    readDouble(v);
-    if (!append) target = "";
-    target += dateText(v, year, false);
-    return target;
+unsigned long microsecondsOfDay(StructElem& e, double v) {
+    double usec = (v - std::floor(v)) * usecPerDay;
+    checkIntegral(e, usec, 0, 2 * two63, "ULong", v);
+    return static_cast<unsigned long>(usec);
 }
 
-std::stringstream& StructNumDate::readStr(std::stringstream& out, int append) {
-    double v;
-    readDouble(v);
-    if (!append) out.flush();
-    out << dateText(v, year, false);
-    return out;
-}
-
-// ---------------------------------------------------------------------------
-
-
-JulianDate& StructNumDateTime::readDateTime(JulianDate& date) {
-    double v;
-    readDouble(v);
-    return daysToDate(v, year, date);
-}
-
-String& StructNumDateTime::readString(String& target, int append) {
-    double v;
-    read(v);
-    if (!append) target = "";
-    target += dateText(v, year, true);
-    return target;
-}
-
-std::stringstream& StructNumDateTime::readStr(std::stringstream& out, int append) {
-    double v;
-    read(v);
-    if (!append) out.flush();
-    out << dateText(v, year, true);
-    return out;
-}
-
-short& StructNumDateTime::readSShort(short& v) {
-    double d;
-    read(d);
-    double day = std::floor(d);
-    checkIntegral(*this, day, -2147483648.0, 2147483648.0, "SShort", d);
-    v = static_cast<short>(static_cast<int>(day));
-    return v;
-}
-
-unsigned long& StructNumDateTime::readULong(unsigned long& v) {
-    double d;
-    read(d);
-    double usec = (d - std::floor(d)) * usecPerDay;
-    checkIntegral(*this, usec, 0, 2 * two63, "ULong", d);
-    v = static_cast<unsigned long>(usec);
-    return v;
-}
-
-long long& StructNumDateTime::readSLLong(long long& v) {
-    double d;
-    read(d);
-    double usec = d * usecPerDay;
-    checkIntegral(*this, usec, -two63, two63, "SLLong", d);
-    v = static_cast<long long>(usec);
-    return v;
+long long microseconds(StructElem& e, double v) {
+    double usec = v * usecPerDay;
+    checkIntegral(e, usec, -two63, two63, "SLLong", v);
+    return static_cast<long long>(usec);
 }
 
 // ---------------------------------------------------------------------------

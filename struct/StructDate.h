@@ -14,40 +14,98 @@ namespace vexa {
 // NaN, a missing number, is a missing date: the date is left as it was.
 zun::JulianDate& daysToDate(double days, int year, zun::JulianDate& date);
 
-class StructNumDate : public StructNumSShort {
+// The text of the date `days` days after the 1st of January of year: the
+// date alone ("DD-MON-YYYY"), or with the time to JulianDate::d_precision.
+// A missing number is a missing date, and prints as a missing number does.
+zun::String dateText(double days, int year, bool withTime);
+// The DateTime value v as an integer read gives it: days, microseconds of
+// the day or microseconds from the reference, each checked to fit.
+short daysOf(StructElem& e, double v);
+unsigned long microsecondsOfDay(StructElem& e, double v);
+long long microseconds(StructElem& e, double v);
+
+// The reads of a date held as a number of days: Base is the number element
+// (a short for "Date", a double for "DateTime"), in the file or virtual;
+// the reference year is the unit column.
+template <class Base>
+class DaysAsDate : public Base {
 public:
     int year;   // reference year
 
-    StructNumDate(StructElem* prev, StructElem* parent, const char* name, int year, long size)
-        : StructNumSShort(prev, parent, name, "date", size), year(year) {}
+    template <class... Rest>
+    DaysAsDate(int year, StructElem* prev, StructElem* parent, const char* name, const char* unit, Rest... rest)
+        : Base(prev, parent, name, unit, rest...), year(year) {}
 
-    ElemType getType() const override { return TypeDate; }
+    // The text is a date, not the number: no run of numbers to print.
     bool writeRunTexts(TextFolder&, long) override { return false; }
-    zun::JulianDate& readDateTime(zun::JulianDate& date) override;
+    zun::JulianDate& readDateTime(zun::JulianDate& date) override { return daysToDate(days(), year, date); }
     // The date as "DD-MON-YYYY".
-    zun::String& readString(zun::String& target, int append) override;
-    std::stringstream& readStr(std::stringstream& out, int append) override;
+    zun::String& readString(zun::String& target, int append) override {
+        zun::String text = dateText(days(), year, false);
+        if (!append) target = "";
+        target += text;
+        return target;
+    }
+    std::stringstream& readStr(std::stringstream& out, int append) override {
+        zun::String text = dateText(days(), year, false);
+        if (!append) out.flush();
+        out << text;
+        return out;
+    }
+
+protected:
+    double days() {
+        double v;
+        this->readDouble(v);
+        return v;
+    }
 };
 
-class StructNumDateTime : public StructNumDouble {
+template <class Base>
+class DaysAsDateTime : public DaysAsDate<Base> {
 public:
-    int year;   // reference year
+    using DaysAsDate<Base>::DaysAsDate;
 
-    StructNumDateTime(StructElem* prev, StructElem* parent, const char* name, int year, long size)
-        : StructNumDouble(prev, parent, name, "date", size), year(year) {}
-
-    ElemType getType() const override { return TypeDateTime; }
-    bool writeRunTexts(TextFolder&, long) override { return false; }
-    zun::JulianDate& readDateTime(zun::JulianDate& date) override;
     // The date and time, with the precision of JulianDate::d_precision.
-    zun::String& readString(zun::String& target, int append) override;
-    std::stringstream& readStr(std::stringstream& out, int append) override;
+    zun::String& readString(zun::String& target, int append) override {
+        zun::String text = dateText(value(), this->year, true);
+        if (!append) target = "";
+        target += text;
+        return target;
+    }
+    std::stringstream& readStr(std::stringstream& out, int append) override {
+        zun::String text = dateText(value(), this->year, true);
+        if (!append) out.flush();
+        out << text;
+        return out;
+    }
     // The whole days.
-    short& readSShort(short& v) override;
+    short& readSShort(short& v) override { return v = daysOf(*this, value()); }
     // Microseconds of the day.
-    unsigned long& readULong(unsigned long& v) override;
+    unsigned long& readULong(unsigned long& v) override { return v = microsecondsOfDay(*this, value()); }
     // Microseconds from the reference.
-    long long& readSLLong(long long& v) override;
+    long long& readSLLong(long long& v) override { return v = microseconds(*this, value()); }
+
+protected:
+    double value() {
+        double v;
+        this->read(v);
+        return v;
+    }
+};
+
+class StructNumDate : public DaysAsDate<StructNumSShort> {
+public:
+    StructNumDate(StructElem* prev, StructElem* parent, const char* name, int year, long size)
+        : DaysAsDate<StructNumSShort>(year, prev, parent, name, "date", size) {}
+    ElemType getType() const override { return TypeDate; }
+};
+
+class StructNumDateTime : public DaysAsDateTime<StructNumDouble> {
+public:
+    StructNumDateTime(StructElem* prev, StructElem* parent, const char* name, int year, long size)
+        : DaysAsDateTime<StructNumDouble>(year, prev, parent, name, "date", size) {}
+    ElemType getType() const override { return TypeDateTime; }
 };
 
 // A date written as text, in any form JulianDate::init accepts.
