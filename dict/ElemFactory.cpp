@@ -15,6 +15,7 @@
 #include "struct/StructNum.h"
 #include "struct/StructRec.h"
 #include "struct/StructSpare.h"
+#include "struct/StructUnion.h"
 #include "struct/StructString.h"
 
 using zun::quoted;
@@ -106,8 +107,10 @@ StructElem* array(const FieldLine& line, StructElem* prev, StructElem* parent) {
                            arraySize.str(), line.dims.str());
 }
 
-StructElem* unionField(const FieldLine& line, StructElem*, StructElem*, long) {
-    throw String("unsupported union field ") + quoted(line.name);
+// "?switch": the alternatives are listed by the dictionary in the unit column.
+StructElem* unionField(const FieldLine& line, StructElem* prev, StructElem* parent, long) {
+    String switchText = line.type.substr(1);
+    return new StructUnion(switchText.str(), line.unit.str(), prev, parent, line.name.str(), line.size.text);
 }
 
 bool anySize(long) { return true; }
