@@ -78,14 +78,14 @@ TEST_F(Reader, LinesAndTheFactory) {
         {"a|UChar|||4", "made (4*UChar)"}, {"~a|UChar||1|3", "made (3*UChar)"}, {"~a|aUChar||1", "unknown virtual field type \"aUChar\""},
         {"a|UChar|||-4", "array \"a\" invalid negative array dimension \"-4\""},
         {"a|UChar|||2,-1", "array \"a\" invalid negative array dimension \"-1\""},
-        {"a|UShort||,6|3,1+1", "made (3*(2*UShort))"}, {"a|?Char|alts||", "unsupported union field \"a\""},
+        {"a|UShort||,6|3,1+1", "made (3*(2*UShort))"}, {"a|?Char|alts||", "invalid sub dictionary \"Char\""},
         {"a|SChar||1|", "made SChar"}, {"a|AChar||0|", "made AChar"}, {"a|ULLong||5|", "made ULLong"},
         {"a|SLong||8|", "invalid size for Long field '8'"}, {"a|UShort||3|", "invalid size for Short field '3'"},
         {"a|Date||4|", "made Date"}, {"a|aXLLong||6|", "made aSLLong"}, {"a|aDateTime|1970|20|", "made aDateTime"},
         {"a|String||0|", "made String"}, {"a|String|||", "invalid size for String field ''"},
         {"a|String||-3|", "a invalid negative size '-3'"}, {"a|UShort||n*2|", "made UShort"},
         {"a|float|||", "unknown field type \"float\""}, {"a|Spare||8|", "made (8*UChar)"},
-        {"a|?x|alts||", "unsupported union field \"a\""}, {"a|Null|||", "made Null"},
+        {"a|?x|alts||", "invalid sub dictionary \"x\""}, {"a|Null|||", "made Null"},
     };
     for (const auto& r : rows) EXPECT_EQ(line(r[0]), r[1]) << r[0];
 }
