@@ -102,9 +102,8 @@ bool StructUnion::isFixedType(int level) {
 String StructUnion::getTypeStr(int level) {
     String text = "Union?(" + switchText + ")";
     if (!isFixedType(level)) return text;
-    if (!active) activate(-1L);
     text += '=';
-    text += active->getTypeStr(level);
+    text += current().getTypeStr(level);
     return text;
 }
 
