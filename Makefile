@@ -7,6 +7,8 @@ BUILD      ?= build
 ASAN_BUILD ?= build-asan
 BENCH_BUILD ?= build-bench
 JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
+# Warnings stop these builds; WERROR=OFF for a compiler newer than the code.
+WERROR     ?= ON
 PACKAGES   := g++ make cmake flex bison libgtest-dev
 BENCH_PACKAGES := libbenchmark-dev
 GENERATOR  := $(shell command -v ninja >/dev/null 2>&1 && echo "-G Ninja")
@@ -39,10 +41,13 @@ $(BUILD)/CMakeCache.txt: | deps
 $(ASAN_BUILD)/CMakeCache.txt: | deps
 	cmake -S . -B $(ASAN_BUILD) $(GENERATOR) -DCMAKE_BUILD_TYPE=Debug -DSKELVOR_SANITIZE=ON
 
+# WERROR is set on each build, so that it may change in a build folder.
 build: deps $(BUILD)/CMakeCache.txt
+	cmake -B $(BUILD) -DSKELVOR_WERROR=$(WERROR) > /dev/null
 	cmake --build $(BUILD) -j $(JOBS)
 
 asan: deps $(ASAN_BUILD)/CMakeCache.txt
+	cmake -B $(ASAN_BUILD) -DSKELVOR_WERROR=$(WERROR) > /dev/null
 	cmake --build $(ASAN_BUILD) -j $(JOBS)
 
 run: build
