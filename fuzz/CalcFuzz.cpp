@@ -24,13 +24,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::vector<std::string> args{"skelvor-calc", "-D", "k=7", "-D", "s=abc"};
     if (rows >= 0) args.insert(args.end(), {"-n", std::to_string(rows)});
     args.push_back(statement);
-    std::vector<char*> argv;
-    for (std::string& a : args) argv.push_back(&a[0]);
-    argv.push_back(nullptr);
-    try {
-        skelvorCalcMain(static_cast<int>(args.size()), argv.data());
-    } catch (zun::Exception&) {
-        // an error of the statement: logged by the program, status 1
-    }
+    fuzz::run(skelvorCalcMain, args);
     return 0;
 }

@@ -64,4 +64,16 @@ inline void silence() {
     zun::Exception::err_out = &nullStream;
 }
 
+// Runs a program's run (skelvorMain, skelvorCalcMain) on args, the first
+// the program's name. An error it throws is the program's answer to a bad
+// input (it logs it and ends with status 1); anything else goes on.
+inline void run(int (*programRun)(int, char**), std::vector<std::string> args) {
+    std::vector<char*> argv;
+    for (std::string& a : args) argv.push_back(&a[0]);
+    argv.push_back(nullptr);
+    try {
+        programRun(static_cast<int>(args.size()), argv.data());
+    } catch (zun::Exception&) {}
+}
+
 }  // namespace fuzz

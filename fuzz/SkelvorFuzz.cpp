@@ -49,14 +49,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         if (!arg.empty() && arg.find('\0') == std::string::npos) args.push_back(arg);
         from = end + 1;
     }
-    std::vector<char*> argv;
-    for (std::string& a : args) argv.push_back(&a[0]);
-    argv.push_back(nullptr);
-    try {
-        skelvorMain(static_cast<int>(args.size()), argv.data());
-    } catch (zun::Exception&) {
-        // an error of the input: logged by the program, status 1
-    }
+    fuzz::run(skelvorMain, args);
     // -D adds parameters for the run of the process: each input starts without
     zun::CalcBinderNodeList& parameters = vexa::StructBase::globalParameters();
     while (parameters.count > 0) delete parameters.take(parameters.count - 1);
