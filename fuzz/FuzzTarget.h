@@ -17,7 +17,7 @@ namespace fuzz {
 
 // skelvor: parts separated by a line "----": the dictionary t.dd, the
 // sub-dictionary s.dd (reached from t.dd as "@s"), the data file data.bin,
-// and arguments, one a line, that follow "data.bin -d=t".
+// and arguments, one a line, that follow "<data.bin> -d=<t>".
 enum Part {
     Dictionary,
     SubDictionary,

@@ -11,12 +11,13 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 build=$(cd "$1" && pwd)
 seconds=${2:-60}
 out=$build/fuzz-out
-rm -rf "$out/seeds-calc" "$out/seeds-skelvor"
-mkdir -p "$out/seeds-calc" "$out/seeds-skelvor" "$out/corpus-calc" "$out/corpus-skelvor"
+rm -rf "$out/seeds-calc" "$out/seeds-skelvor" "$out/tmp"
+mkdir -p "$out/seeds-calc" "$out/seeds-skelvor" "$out/corpus-calc" "$out/corpus-skelvor" "$out/tmp"
 "$build/fuzz/fuzz_seeds" "$root/tests/cases" "$out/seeds-calc" "$out/seeds-skelvor"
 cat "$root/fuzz/calc.dict" > "$out/calc.dict"
 cat "$root/fuzz/calc.dict" "$root/fuzz/skelvor.dict" > "$out/skelvor.dict"
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
+export TMPDIR="$out/tmp"  # the scratch files of fuzz_skelvor, left behind by a crash
 
 status=0
 for target in calc skelvor; do
