@@ -3,33 +3,18 @@
 // format statement writes through them.
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
-#include <cstdio>
-#include <fstream>
 #include <sstream>
 
 #include "calc/CalcBinderData.h"
 #include "calc/CalcLogFormat.h"
 #include "calc_testing.h"
+#include "support/TempDir.h"
 
 using namespace calctest;
 using zun::CalcBinderDataSType;
 using zun::CalcBinderDataType;
 
 namespace {
-
-// A file with the given contents, removed with the object.
-struct TempFile {
-    std::string path;
-    explicit TempFile(const std::string& contents) {
-        char name[] = "/tmp/calc-defsXXXXXX";
-        close(mkstemp(name));
-        std::ofstream(path = name) << contents;
-    }
-    ~TempFile() { std::remove(path.c_str()); }
-    const char* c_str() const { return path.c_str(); }
-};
 
 // Captures the error log, and leaves the default form behind.
 class LogCapture {
@@ -63,7 +48,8 @@ TEST(CalcBinderNodeList, ASigilStandsInFrontOfTheName) {
 }
 
 TEST(CalcBinderNodeList, DefinitionsFiles) {
-    TempFile file("a = 1;\nb = 'text';  // a comment\nc = a * 2;\nd = a + 0.5; a*10\n");
+    testsupport::TempDir dir;
+    std::string file = dir.write("defs", "a = 1;\nb = 'text';  // a comment\nc = a * 2;\nd = a + 0.5; a*10\n");
     zun::CalcBinderNodeList list;
     EXPECT_EQ(list.readDefinitions(file.c_str()), 4) << "every assignment, not the final expression";
     EXPECT_NE(dynamic_cast<zun::CalcNodeConst<double>*>(list.find("a")), nullptr) << "an integer becomes a double";

@@ -7,21 +7,22 @@
 #include <string>
 #include <vector>
 
-#include "Harness.h"
+#include "support/Process.h"
+#include "support/TempDir.h"
 
 namespace {
 
 // A run that hangs ends at this limit with status -1.
 const int limitSeconds = 20;
 
-e2e::Result calc(const std::vector<std::string>& args, const std::string& cwd = "") {
-    e2e::RunOptions options;
+testsupport::Result calc(const std::vector<std::string>& args, const std::string& cwd = "") {
+    testsupport::RunOptions options;
     options.cwd = cwd;
     options.timeoutSeconds = limitSeconds;
-    return e2e::calc(args, options);
+    return testsupport::run(testsupport::programPath("skelvor-calc"), args, options);
 }
 
-void expectRun(const e2e::Result& r, int status, const std::string& out, const std::string& err) {
+void expectRun(const testsupport::Result& r, int status, const std::string& out, const std::string& err) {
     EXPECT_EQ(r.out, out);
     EXPECT_EQ(r.err, err);
     EXPECT_EQ(r.status, status);
@@ -57,7 +58,7 @@ TEST(CalcHostile, AVectorElementThatReadsItsOwnVector) {
 }
 
 TEST(CalcHostile, AVectorThatNamesItselfInADefinitionsFile) {
-    e2e::TempDir dir;
+    testsupport::TempDir dir;
     dir.write("defs", "a = vector(1); b = a@x(a); c = 7\n");
     expectRun(calc({"-Ddefs", "#c"}, dir.path()), 0, "7\n", "");
     dir.write("defs", "a = vector(1); b = a@x(a[0]); c = a[0]\n");
@@ -67,12 +68,12 @@ TEST(CalcHostile, AVectorThatNamesItselfInADefinitionsFile) {
 // ---------------------------------------------------------------- output that can't be written
 
 // skelvor-calc through the shell, with a redirection of its standard output.
-e2e::Result calcRedirected(const std::string& redirection, const std::vector<std::string>& args) {
-    std::vector<std::string> shellArgs = {"-c", "exec \"$0\" \"$@\" " + redirection, SKELVOR_CALC_BIN};
+testsupport::Result calcRedirected(const std::string& redirection, const std::vector<std::string>& args) {
+    std::vector<std::string> shellArgs = {"-c", "exec \"$0\" \"$@\" " + redirection, testsupport::programPath("skelvor-calc")};
     shellArgs.insert(shellArgs.end(), args.begin(), args.end());
-    e2e::RunOptions options;
+    testsupport::RunOptions options;
     options.timeoutSeconds = limitSeconds;
-    return e2e::run("/bin/sh", shellArgs, options);
+    return testsupport::run("/bin/sh", shellArgs, options);
 }
 
 TEST(CalcHostile, OutputThatCantBeWrittenIsAnError) {
@@ -154,7 +155,7 @@ TEST(CalcHostile, LongTokensScanInTime) {
         expectRun(calc({r.statement}), 0, r.out, "");
     }
     // a definitions file has no such limit
-    e2e::TempDir dir;
+    testsupport::TempDir dir;
     dir.write("defs", "c = \"" + repeat("b", 2000000) + "\"\n");
     expectRun(calc({"-Ddefs", "strlen(#c)"}, dir.path()), 0, "2000000\n", "");
 }

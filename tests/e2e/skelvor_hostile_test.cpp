@@ -10,7 +10,8 @@
 #include <string>
 #include <vector>
 
-#include "Harness.h"
+#include "support/Process.h"
+#include "support/TempDir.h"
 
 namespace {
 
@@ -19,37 +20,37 @@ const int limitSeconds = 20;
 
 class Hostile : public ::testing::Test {
 protected:
-    e2e::TempDir dir;
+    testsupport::TempDir dir;
 
     std::string write(const std::string& name, const std::string& bytes) { return dir.write(name, bytes); }
 
     // skelvor in the scratch folder; input, when given, through a pipe.
-    e2e::Result run(const std::vector<std::string>& args, const std::string& input = "") {
-        e2e::RunOptions options;
+    testsupport::Result run(const std::vector<std::string>& args, const std::string& input = "") {
+        testsupport::RunOptions options;
         options.cwd = dir.path();
         options.timeoutSeconds = limitSeconds;
         options.input = input;
-        return e2e::skelvor(args, options);
+        return testsupport::run(testsupport::programPath("skelvor"), args, options);
     }
 
     // A shell script run in the scratch folder, with skelvor as $0 and args
     // as its arguments.
-    e2e::Result runShell(const std::string& script, const std::vector<std::string>& args) {
-        std::vector<std::string> shellArgs = {"-c", script, SKELVOR_BIN};
+    testsupport::Result runShell(const std::string& script, const std::vector<std::string>& args) {
+        std::vector<std::string> shellArgs = {"-c", script, testsupport::programPath("skelvor")};
         shellArgs.insert(shellArgs.end(), args.begin(), args.end());
-        e2e::RunOptions options;
+        testsupport::RunOptions options;
         options.cwd = dir.path();
         options.timeoutSeconds = limitSeconds;
-        return e2e::run("/bin/sh", shellArgs, options);
+        return testsupport::run("/bin/sh", shellArgs, options);
     }
     // skelvor with redirections of its standard streams that the runner
     // can't make ("< /dev/null", ">&-").
-    e2e::Result runRedirected(const std::string& redirections, const std::vector<std::string>& args) {
+    testsupport::Result runRedirected(const std::string& redirections, const std::vector<std::string>& args) {
         return runShell("exec \"$0\" \"$@\" " + redirections, args);
     }
 };
 
-void expectError(const e2e::Result& r, const std::string& err, const std::string& out = "") {
+void expectError(const testsupport::Result& r, const std::string& err, const std::string& out = "") {
     EXPECT_EQ(r.out, out);
     EXPECT_EQ(r.err, err);
     EXPECT_EQ(r.status, 1);
@@ -79,7 +80,7 @@ TEST_F(Hostile, ASetOfFilesNeverHoldsWhatIsNoFile) {
     write("t.dd", "t|||\na|UChar|||\nb|UChar|||\n");
     write("set/a1", "A");
     write("set/a2", "B");
-    e2e::Result whole = run({"set/a*", "-d=t"});
+    testsupport::Result whole = run({"set/a*", "-d=t"});
     EXPECT_EQ(whole.out, "0> a = 65\n1> b = 66\n");
     EXPECT_EQ(whole.status, 0);
     // a link to nothing that the pattern finds: a part that can't be a set
@@ -117,11 +118,11 @@ TEST_F(Hostile, BufferSizesBeyondWhatCanBeHad) {
     for (const auto& r : rows) {
         SCOPED_TRACE(r.size);
         const std::string option = std::string("-bs=") + r.size;
-        e2e::Result file = run({"d.bin", "-d=t", option});
+        testsupport::Result file = run({"d.bin", "-d=t", option});
         EXPECT_EQ(file.err, r.fromFile);
         EXPECT_EQ(file.out, r.fromFile.empty() ? "0> a = 65\n" : "");
         EXPECT_EQ(file.status, r.fromFile.empty() ? 0 : 1);
-        e2e::Result pipe = run({"-", "-d=t", option}, "AB");
+        testsupport::Result pipe = run({"-", "-d=t", option}, "AB");
         EXPECT_EQ(pipe.err, r.fromPipe);
         EXPECT_EQ(pipe.out, r.fromPipe.empty() ? "00000000> a = 65\n" : "");
         EXPECT_EQ(pipe.status, r.fromPipe.empty() ? 0 : 1);
@@ -137,7 +138,7 @@ TEST_F(Hostile, AWholeFileBufferForAFileLargerThanMemory) {
     expectError(run({"huge.bin", "-d=t", "-bs=0"}),
                 "ERROR-STD012 Cannot allocate memory : cannot allocate read buffer in InputBStream::initFile\n");
     // the default buffer reads it
-    e2e::Result r = run({"huge.bin", "-d=t"});
+    testsupport::Result r = run({"huge.bin", "-d=t"});
     EXPECT_EQ(r.err, "");
     EXPECT_EQ(r.status, 0);
     ::unlink(path.c_str());
@@ -166,7 +167,7 @@ TEST_F(Hostile, OutputThatCantBeWrittenIsAnError) {
     };
     for (const auto& r : rows) {
         SCOPED_TRACE(r.args.back() + " " + r.redirections);
-        e2e::Result result = runRedirected(r.redirections, r.args);
+        testsupport::Result result = runRedirected(r.redirections, r.args);
         EXPECT_EQ(result.out, "");
         EXPECT_EQ(result.err, r.err);
         EXPECT_EQ(result.status, r.err == full || r.err == closed ? 1 : 0);
@@ -184,7 +185,7 @@ TEST_F(Hostile, RunningOutOfMemoryEndsWithStatusOne) {
     const std::string path = write("zeros.bin", "");
     ASSERT_EQ(::truncate(path.c_str(), 314572800), 0);
     write("s.dd", "s|||\ns|String||314572800\n");
-    e2e::Result r = runShell("ulimit -v 1500000 && exec \"$0\" \"$@\" > /dev/null", {"zeros.bin", "-d=s"});
+    testsupport::Result r = runShell("ulimit -v 1500000 && exec \"$0\" \"$@\" > /dev/null", {"zeros.bin", "-d=s"});
     EXPECT_EQ(r.err.rfind("ERROR-", 0), 0u) << r.err;
     EXPECT_NE(r.err.find("bad_alloc"), std::string::npos) << r.err;
     EXPECT_EQ(r.status, 1);
@@ -260,11 +261,11 @@ TEST_F(Hostile, AFieldPatternWithManyStarsMatchesInTime) {
     write("d.bin", "AB");
     write("n.dd", "n|||\n" + name + "|UChar|||\nb|UChar|||\n");
     const std::string miss = repeat("*a", 40) + "*b";
-    e2e::Result none = run({"d.bin", "-d=n", miss});
+    testsupport::Result none = run({"d.bin", "-d=n", miss});
     EXPECT_EQ(none.out, "");
     EXPECT_EQ(none.err, "WARNING-MAIN : " + miss + " no match found\n");
     EXPECT_EQ(none.status, 0);
-    e2e::Result found = run({"d.bin", "-d=n", repeat("*a", 60) + "*"});
+    testsupport::Result found = run({"d.bin", "-d=n", repeat("*a", 60) + "*"});
     EXPECT_EQ(found.out, "0> " + name + " = 65\n");
     EXPECT_EQ(found.err, "");
     EXPECT_EQ(found.status, 0);
@@ -294,7 +295,7 @@ TEST_F(Hostile, DatesThatAreMissingInfiniteOrOutOfRange) {
                        doubleBits(0x7FF0000000000000ULL) + doubleBits(0xFFF0000000000000ULL) +
                        doubleBits(0x7E37E43C8800759CULL) /* 1e300 */ + doubleBits(0xFE37E43C8800759CULL) +
                        doubleBits(0x4199739FDA000000ULL) /* 106751990.5 */ + std::string("\x00\x80", 2));
-    e2e::Result r = run({"d.bin", "-d=t"});
+    testsupport::Result r = run({"d.bin", "-d=t"});
     EXPECT_EQ(r.out,
               "00> nan (date) = nan\n"
               "08> minusnan (date) = nan\n"
@@ -314,7 +315,7 @@ TEST_F(Hostile, ALongLiteralInADefinitionsFileScansInTime) {
     write("d.bin", "ABC");
     write("defs", "c = \"" + repeat("a", 2000000) + "\"\n");
     write("p.dd", "p|||\ns|String||strlen(#c) - 1999998\n");
-    e2e::Result r = run({"d.bin", "-d=p", "-Ddefs"});
+    testsupport::Result r = run({"d.bin", "-d=p", "-Ddefs"});
     EXPECT_EQ(r.out, "0> s = \"AB\"\n");
     EXPECT_EQ(r.err, "");
     EXPECT_EQ(r.status, 0);

@@ -10,7 +10,8 @@
 #include <string>
 #include <vector>
 
-#include "Harness.h"
+#include "support/Process.h"
+#include "support/TempDir.h"
 
 namespace {
 
@@ -126,8 +127,8 @@ unsigned setting(const char* name, unsigned otherwise) {
 TEST(SkelvorRandom, EveryRunEndsWithStatusZeroOrOne) {
     Generator g(setting("SKELVOR_RANDOM_SEED", 20240607));
     const int runs = static_cast<int>(setting("SKELVOR_RANDOM_RUNS", 100));
-    e2e::TempDir dir;
-    e2e::RunOptions options;
+    testsupport::TempDir dir;
+    testsupport::RunOptions options;
     options.cwd = dir.path();
     options.timeoutSeconds = 20;
     for (int run = 0; run < runs; ++run) {
@@ -137,7 +138,7 @@ TEST(SkelvorRandom, EveryRunEndsWithStatusZeroOrOne) {
         dir.write("d.bin", g.bytes(64));
         std::vector<std::string> args = {"d.bin", "-d=r"};
         for (const std::string& o : g.options()) args.push_back(o);
-        e2e::Result r = e2e::skelvor(args, options);
+        testsupport::Result r = testsupport::run(testsupport::programPath("skelvor"), args, options);
         bool ended = r.status == 0 || r.status == 1;
         EXPECT_TRUE(ended) << "run " << run << ": status " << r.status << "\n"
                            << "dictionary:\n" << dir.read("r.dd") << "sub-dictionary:\n" << dir.read("sub.dd")

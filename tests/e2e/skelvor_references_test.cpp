@@ -6,18 +6,38 @@
 #include <string>
 #include <vector>
 
-#include "skelvor_testing.h"
+#include "support/Process.h"
+#include "support/TempDir.h"
 
 namespace {
 
-using e2e::bytes;
-using skelvortest::expectOut;
-using skelvortest::expectRun;
+using testsupport::bytes;
 
-class References : public skelvortest::SkelvorTest {
+// Compares a whole run: status, standard output and standard error.
+void expectRun(const testsupport::Result& r, int status, const std::string& out, const std::string& err) {
+    EXPECT_EQ(r.out, out);
+    EXPECT_EQ(r.err, err);
+    EXPECT_EQ(r.status, status);
+}
+
+// A run that succeeds without a word on standard error.
+void expectOut(const testsupport::Result& r, const std::string& out) { expectRun(r, 0, out, ""); }
+
+// Each test writes its files into a fresh folder and runs skelvor there, so
+// that the paths in messages are short.
+class References : public ::testing::Test {
 protected:
+    testsupport::TempDir dir;
+
+    std::string write(const std::string& name, const std::string& bytes) { return dir.write(name, bytes); }
+    testsupport::Result run(const std::vector<std::string>& args) {
+        testsupport::RunOptions options;
+        options.cwd = dir.path();
+        return testsupport::run(testsupport::programPath("skelvor"), args, options);
+    }
+
     // Runs data.bin through the dictionary t.dd of the given text.
-    e2e::Result withDictionary(const std::string& text, std::vector<std::string> more = {}) {
+    testsupport::Result withDictionary(const std::string& text, std::vector<std::string> more = {}) {
         write("t.dd", text);
         std::vector<std::string> args{"data.bin", "-d=t"};
         args.insert(args.end(), more.begin(), more.end());

@@ -1,52 +1,16 @@
 // Scratch folders, readers and an instrumented source for the input tests.
 #pragma once
 
-#include <stdlib.h>
-#include <unistd.h>
-
-#include <filesystem>
-#include <fstream>
 #include <string>
 
 #include "base/Exception.h"
 #include "input/InputStream.h"
+#include "support/TempDir.h"
 
 namespace inputtest {
 
-// A fresh folder under the system's temporary folder, removed with its contents.
-class TempDir {
-public:
-    TempDir() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "zun-input-XXXXXX").string();
-        char* made = ::mkdtemp(&pattern[0]);
-        root = made ? made : "";
-    }
-    ~TempDir() {
-        std::error_code ec;
-        if (!root.empty()) std::filesystem::remove_all(root, ec);
-    }
-    TempDir(const TempDir&) = delete;
-    TempDir& operator=(const TempDir&) = delete;
-
-    const std::string& path() const { return root; }
-    std::string path(const std::string& name) const { return root + "/" + name; }
-    std::string write(const std::string& name, const std::string& bytes) const {
-        std::string full = path(name);
-        std::filesystem::create_directories(std::filesystem::path(full).parent_path());
-        std::ofstream(full, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-        return full;
-    }
-
-private:
-    std::string root;
-};
-
-// n bytes where byte i is i mod 251, so that every place can be told apart.
-inline std::string pattern(size_t n) {
-    std::string s(n, 0);
-    for (size_t i = 0; i < n; ++i) s[i] = static_cast<char>(i % 251);
-    return s;
-}
+using testsupport::pattern;
+using testsupport::TempDir;
 
 // Up to n bytes from place at.
 inline std::string readAt(zun::InputStream& s, long at, unsigned long n) {

@@ -7,8 +7,6 @@
 #include <stdlib.h>
 
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <memory>
 #include <string>
 
@@ -16,37 +14,9 @@
 #include "dict/File.h"
 #include "struct/StructBase.h"
 #include "struct/StructElem.h"
+#include "support/TempDir.h"
 
 namespace treetest {
-
-// A fresh folder under the temporary folder, removed with its contents.
-class TempFolder {
-public:
-    TempFolder() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "treetest.XXXXXX").string();
-        char* made = ::mkdtemp(&pattern[0]);
-        root = made ? made : "";
-    }
-    ~TempFolder() {
-        std::error_code ec;
-        if (!root.empty()) std::filesystem::remove_all(root, ec);
-    }
-    TempFolder(const TempFolder&) = delete;
-    TempFolder& operator=(const TempFolder&) = delete;
-
-    const std::string& path() const { return root; }
-    std::string path(const std::string& name) const { return root + "/" + name; }
-    // Writes bytes to name, making the folders on the way; returns the full path.
-    std::string write(const std::string& name, const std::string& bytes) const {
-        std::string full = path(name);
-        std::filesystem::create_directories(std::filesystem::path(full).parent_path());
-        std::ofstream(full, std::ios::binary) << bytes;
-        return full;
-    }
-
-private:
-    std::string root;
-};
 
 // Unsets an environment variable for the life of the object.
 class UnsetEnv {
@@ -70,7 +40,7 @@ private:
 // A test with a scratch folder for its dictionaries, and no dictionary root.
 class TreeTest : public ::testing::Test {
 protected:
-    TempFolder dir;
+    testsupport::TempDir dir;
     UnsetEnv dictionaryPath{"VEXA_DICTIONARY_PATH"};
     std::unique_ptr<vexa::File> file;
 
