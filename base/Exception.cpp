@@ -50,6 +50,8 @@ String Exception::signature() const {
 }
 
 void Exception::log(const char* prefix, const char* suffix) const {
+    // What was written to standard output before the line comes first.
+    std::fflush(stdout);
     if (log_fmt.text && formatLogger) formatLogger(*this, prefix, suffix);
     else logDefault(prefix, suffix);
 }

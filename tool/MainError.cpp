@@ -33,8 +33,18 @@ void flushOutput() {
     throw zun::StdError("write error on standard output", code);
 }
 
+// Standard output is buffered in large blocks, and line by line on a
+// terminal, where a reader waits for each line. Everything written to
+// standard error flushes it first (Exception::log), so that lines stand in
+// the order they were made, and the frame flushes what is left at the end.
+void bufferOutput() {
+    static char buffer[1 << 16];
+    std::setvbuf(stdout, buffer, ::isatty(1) ? _IOLBF : _IOFBF, sizeof buffer);
+}
+
 int mainFrame(int argc, char** argv, int (*body)(int, char**), void (*usage)()) {
     holdStandardStreams();
+    bufferOutput();
     try {
         int status = body(argc, argv);
         flushOutput();

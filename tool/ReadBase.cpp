@@ -25,11 +25,13 @@ namespace {
 // The text output: one line at a time, written and flushed as a whole.
 std::string line;
 
+// A line into the output buffer; a failure of the write that the buffer
+// made on the way ends the run.
 void writeLine() {
     line += '\n';
     errno = 0;
     fwrite(line.data(), 1, line.size(), stdout);
-    flushOutput();
+    if (std::ferror(stdout)) flushOutput();
 }
 
 // The value texts go into the line as they are made; a line that grows long
@@ -113,10 +115,9 @@ void BinOutput::write(const char* bytes, long n) {
     errno = 0;
     out->write(bytes, n);
     if (name.isNull()) {
-        flushOutput();
+        if (!*out || std::ferror(stdout)) flushOutput();
         return;
     }
-    out->flush();
     if (!*out) {
         int code = errno ? errno : EIO;
         errno = 0;
@@ -232,7 +233,6 @@ void print_element(StructElem& element, BinOutput* bin, bool explode, const char
     } catch (...) {
         // What was composed of the line stands before the error that ended it.
         fwrite(line.data(), 1, line.size(), stdout);
-        fflush(stdout);
         throw;
     }
     writeLine();
