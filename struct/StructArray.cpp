@@ -47,9 +47,18 @@ StructArrayBase::~StructArrayBase() {
 
 void StructArrayBase::nameElement() {
     char text[24];
-    int n = std::snprintf(text, sizeof text, "%ld", activeIndex);
-    if (element->elemName.length != n || std::memcmp(element->elemName.text, text, n) != 0)
-        element->elemName = String(text, n);
+    char* end = text + sizeof text;
+    char* p = end;
+    unsigned long v = static_cast<unsigned long>(activeIndex);  // never negative here
+    do {
+        *--p = static_cast<char>('0' + v % 10);
+        v /= 10;
+    } while (v);
+    int n = static_cast<int>(end - p);
+    String& name = element->elemName;
+    // The name has the length of the last index mostly: written over in place.
+    if (name.length == n && name.text) std::memcpy(name.text, p, static_cast<size_t>(n));
+    else name = String(p, n);
 }
 
 StructElem* StructArrayBase::getElement(long i) {

@@ -38,6 +38,9 @@ public:
 
     // The text is a date, not the number: no run of numbers to print.
     bool writeRunTexts(TextFolder&, long) override { return false; }
+    void writeText(TextSink& sink, TextForm form, bool compress) override {
+        StructElem::writeText(sink, form, compress);
+    }
     zun::JulianDate& readDateTime(zun::JulianDate& date) override { return daysToDate(days(), year, date); }
     // The date as "DD-MON-YYYY".
     zun::String& readString(zun::String& target, int append) override {

@@ -4,6 +4,7 @@
 #include <limits>
 #include <memory>
 #include <new>
+#include <string>
 #include <vector>
 
 #include "base/Exception.h"
@@ -217,6 +218,14 @@ String StructElem::getPathName() const {
     path += parent->pathSeparator();
     path += elemName;
     return path;
+}
+
+void StructElem::appendPathName(std::string& out) const {
+    if (parent && !parent->elemName.isEmpty()) {
+        parent->appendPathName(out);
+        out += parent->pathSeparator();
+    }
+    if (elemName.length > 0) out.append(elemName.text, static_cast<size_t>(elemName.length));
 }
 
 String StructElem::getPathName(int depth) const {

@@ -10,6 +10,7 @@
 
 #include <iosfwd>
 #include <sstream>
+#include <string>
 
 #include "base/JulianDate.h"
 #include "base/ObjAppendList.h"
@@ -235,6 +236,8 @@ public:
     unsigned char getStructLevel() const;
     zun::String getPathName() const;
     zun::String getPathName(int depth) const;
+    // getPathName() appended to out, without a text made on the way.
+    void appendPathName(std::string& out) const;
     // The deeper of two arrays; the other when one of them is null.
     static StructArray* innerDep(StructArray* a, StructArray* b);
 

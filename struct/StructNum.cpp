@@ -232,6 +232,19 @@ String& StructNum<T>::readString(String& target, int append) {
 }
 
 template <class T>
+void StructNum<T>::writeText(TextSink& sink, TextForm form, bool compress) {
+    if (form != FormAll) {
+        StructElem::writeText(sink, form, compress);
+        return;
+    }
+    T v;
+    read(v);
+    char text[32];
+    int n = formatNumber(text, v);
+    sink.write(text, static_cast<size_t>(n));
+}
+
+template <class T>
 bool StructNum<T>::writeRunTexts(TextFolder& folder, long n) {
     zun::InputStream& in = *this->getBase()->input;
     long size = this->getSize();

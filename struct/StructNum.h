@@ -139,6 +139,8 @@ public:
     zun::String getTypeStr(int) override { return zun::String(elemTypeName(this->getType())); }
     std::stringstream& readStr(std::stringstream& out, int append) override;
     zun::String& readString(zun::String& target, int append) override;
+    // The value's text straight into the sink, as readString makes it.
+    void writeText(TextSink& sink, TextForm form, bool compress) override;
     // Reads the field into v, converting the byte order of the stream.
     virtual T& read(T& v);
     // The run's values, read in blocks and formatted as readString does;

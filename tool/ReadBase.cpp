@@ -49,6 +49,22 @@ public:
     }
 };
 
+// The position as "%.*ld> " writes it: at least width digits, zeros in front.
+void appendPosition(long pos, int width) {
+    char digits[24];
+    char* end = digits + sizeof digits;
+    char* p = end;
+    unsigned long v = pos < 0 ? 0UL - static_cast<unsigned long>(pos) : static_cast<unsigned long>(pos);
+    do {
+        *--p = static_cast<char>('0' + v % 10);
+        v /= 10;
+    } while (v);
+    if (pos < 0) line += '-';
+    for (long n = end - p; n < width; ++n) line += '0';
+    line.append(p, static_cast<size_t>(end - p));
+    line.append("> ", 2);
+}
+
 void warnNoMatch(const String& pattern) {
     fflush(stdout);
     MainError(0, (pattern + " no match found").str()).log("WARNING-");
@@ -214,13 +230,11 @@ void print_element(StructElem& element, BinOutput* bin, bool explode, const char
         for (long i = 0; i < e.numElems(); ++i) print_element(e[i], nullptr, true, xopt, compress, width);
         return;
     }
-    char position[40];
     long pos = e.getPos();
-    if (width >= 1) snprintf(position, sizeof position, "%.*ld> ", width, pos);
-    else snprintf(position, sizeof position, "%ld> ", pos);
-    line.assign(position);
+    line.clear();
+    appendPosition(pos, width);
     try {
-        line.append(e.getPathName().str());
+        e.appendPathName(line);
         const String& unit = e.getUnit();
         if (unit.length > 0) line.append(" (").append(unit.text, unit.length).append(")");
         line.append(" = ");
