@@ -220,14 +220,6 @@ String StructElem::getPathName() const {
     return path;
 }
 
-void StructElem::appendPathName(std::string& out) const {
-    if (parent && !parent->elemName.isEmpty()) {
-        parent->appendPathName(out);
-        out += parent->pathSeparator();
-    }
-    if (elemName.length > 0) out.append(elemName.text, static_cast<size_t>(elemName.length));
-}
-
 String StructElem::getPathName(int depth) const {
     if (!parent) return elemName;
     if (parent->isSeenThrough()) {

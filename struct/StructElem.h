@@ -236,8 +236,16 @@ public:
     unsigned char getStructLevel() const;
     zun::String getPathName() const;
     zun::String getPathName(int depth) const;
-    // getPathName() appended to out, without a text made on the way.
-    void appendPathName(std::string& out) const;
+    // getPathName() written to out (anything with put(char) and
+    // write(const char*, size_t)), without a text made on the way.
+    template <class Out>
+    void appendPathName(Out& out) const {
+        if (parent && !parent->elemName.isEmpty()) {
+            parent->appendPathName(out);
+            out.put(parent->pathSeparator());
+        }
+        if (elemName.length > 0) out.write(elemName.text, static_cast<size_t>(elemName.length));
+    }
     // The deeper of two arrays; the other when one of them is null.
     static StructArray* innerDep(StructArray* a, StructArray* b);
 

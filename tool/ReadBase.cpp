@@ -2,7 +2,9 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <fstream>
+#include <memory>
 #include <ostream>
 #include <string>
 
@@ -22,16 +24,67 @@ using vexa::StructElem;
 
 namespace {
 
-// The text output: one line at a time, written and flushed as a whole.
-std::string line;
+// The text output: one line at a time, composed here and written into the
+// output buffer whole. The line keeps its room from line to line.
+class Line {
+public:
+    void clear() { used = 0; }
+    const char* data() const { return text.get(); }
+    size_t size() const { return used; }
+    void put(char c) {
+        if (used == room) grow(1);
+        text[used++] = c;
+    }
+    void write(const char* s, size_t n) {
+        if (n > room - used) grow(n);
+        std::memcpy(text.get() + used, s, n);
+        used += n;
+    }
+    Line& append(const char* s) {
+        write(s, std::strlen(s));
+        return *this;
+    }
+    Line& append(const String& s) {
+        if (s.text) write(s.text, static_cast<size_t>(s.length));
+        return *this;
+    }
+    Line& assign(const char* s) {
+        clear();
+        return append(s);
+    }
+    // Into the output buffer; a write that the buffer made on the way and
+    // that failed ends the run.
+    void flush() {
+        errno = 0;
+        fwrite_unlocked(text.get(), 1, used, stdout);
+        used = 0;
+        if (std::ferror(stdout)) flushOutput();
+    }
+    // The same without a word on failure: for the part of a line before an
+    // error, which is the one to report.
+    void spill() {
+        fwrite_unlocked(text.get(), 1, used, stdout);
+        used = 0;
+    }
 
-// A line into the output buffer; a failure of the write that the buffer
-// made on the way ends the run.
+private:
+    std::unique_ptr<char[]> text;
+    size_t used = 0, room = 0;
+
+    void grow(size_t n) {
+        size_t wanted = room * 2 > used + n ? room * 2 : used + n + 256;
+        std::unique_ptr<char[]> bigger(new char[wanted]);
+        if (used) std::memcpy(bigger.get(), text.get(), used);
+        text.swap(bigger);
+        room = wanted;
+    }
+};
+
+Line line;
+
 void writeLine() {
-    line += '\n';
-    errno = 0;
-    fwrite(line.data(), 1, line.size(), stdout);
-    if (std::ferror(stdout)) flushOutput();
+    line.put('\n');
+    line.flush();
 }
 
 // The value texts go into the line as they are made; a line that grows long
@@ -39,13 +92,8 @@ void writeLine() {
 class LineSink : public vexa::TextSink {
 public:
     void write(const char* text, size_t n) override {
-        line.append(text, n);
-        if (line.size() >= (1u << 20)) {
-            errno = 0;
-            fwrite(line.data(), 1, line.size(), stdout);
-            line.clear();
-            if (std::ferror(stdout)) flushOutput();
-        }
+        line.write(text, n);
+        if (line.size() >= (1u << 20)) line.flush();
     }
 };
 
@@ -59,10 +107,10 @@ void appendPosition(long pos, int width) {
         *--p = static_cast<char>('0' + v % 10);
         v /= 10;
     } while (v);
-    if (pos < 0) line += '-';
-    for (long n = end - p; n < width; ++n) line += '0';
-    line.append(p, static_cast<size_t>(end - p));
-    line.append("> ", 2);
+    if (pos < 0) line.put('-');
+    for (long n = end - p; n < width; ++n) line.put('0');
+    line.write(p, static_cast<size_t>(end - p));
+    line.write("> ", 2);
 }
 
 void warnNoMatch(const String& pattern) {
@@ -125,7 +173,7 @@ void BinOutput::write(const char* bytes, long n) {
         }
         out = file;
         owned = true;
-        line.assign("Binary output to: ").append(name.str());
+        line.assign("Binary output to: ").append(name);
         writeLine();
     }
     errno = 0;
@@ -236,8 +284,8 @@ void print_element(StructElem& element, BinOutput* bin, bool explode, const char
     try {
         e.appendPathName(line);
         const String& unit = e.getUnit();
-        if (unit.length > 0) line.append(" (").append(unit.text, unit.length).append(")");
-        line.append(" = ");
+        if (unit.length > 0) line.append(" (").append(unit).append(")");
+        line.write(" = ", 3);
         LineSink sink;
         e.writeText(sink, vexa::FormAll, compress);
         if (xopt) {
@@ -246,7 +294,7 @@ void print_element(StructElem& element, BinOutput* bin, bool explode, const char
         }
     } catch (...) {
         // What was composed of the line stands before the error that ended it.
-        fwrite(line.data(), 1, line.size(), stdout);
+        line.spill();
         throw;
     }
     writeLine();
@@ -287,10 +335,10 @@ void print_elem_struct(int level, int relLevel, StructElem& e, bool explode, zun
         line.clear();
         for (long i = 0; i + 1 < indent.count; ++i) line.append(indent[i] ? "| " : "  ");
         line.append("|_ ");
-        if (indent.count == 1 && relLevel >= 0) line.append(e.getPathName(relLevel).str());
-        else line.append(e.elemName.str());
+        if (indent.count == 1 && relLevel >= 0) line.append(e.getPathName(relLevel));
+        else line.append(e.elemName);
     }
-    line.append(" ; ").append(e.getTypeStr(level).str()).append(" ; ").append(e.getUnit().str());
+    line.append(" ; ").append(e.getTypeStr(level)).append(" ; ").append(e.getUnit());
     writeLine();
     if (!explode) return;
 
