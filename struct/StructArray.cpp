@@ -614,7 +614,9 @@ bool StructArray::readRunOf(ObjAppendList<T>& list, const char* field) {
     p[0] = first;
     list.count += n;
     list.free -= n;
-    x->readRun(p + 1, n - 1);
+    // The values are in the list, as far as the input held them; the
+    // failure names the array.
+    if (!x->readRun(p + 1, n - 1)) readFailed(*getBase()->input);
     checkRead(*getBase()->input);
     return true;
 }

@@ -48,19 +48,21 @@ private:
     // way parse() does: up to the first zero byte, blanks first skipped, a
     // bad text giving 0.
     template <class U>
-    void readRunAs(U* target, long n) {
+    bool readRunAs(U* target, long n) {
         zun::InputStream& in = *this->getBase()->input;
         long size = this->getSize();
         std::string bytes(static_cast<size_t>(size) + 1, '\0');
         std::istringstream text;
         for (long i = 0; i < n; ++i) {
-            in.bufread(&bytes[0], static_cast<unsigned long>(size), 0);
+            if (in.bufread(&bytes[0], static_cast<unsigned long>(size), 0) < static_cast<unsigned long>(size))
+                return false;
             text.clear();
             text.str(bytes.c_str());
             U v = 0;
             text >> v;
             target[i] = v;
         }
+        return true;
     }
     template <class U>
     U& readAs(U& v) {

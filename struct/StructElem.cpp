@@ -446,7 +446,7 @@ bool StructElem::writeRunTexts(TextFolder&, long) {
 }
 
 #define VEXA_NO_RUN(T)                                                       \
-    void StructElem::readRun(T*, long) {                                     \
+    bool StructElem::readRun(T*, long) {                                     \
         throw ErrorInternal("invalid virtual call in StructElem::readRun");  \
     }
 

@@ -204,15 +204,16 @@ public:
     // Runs of numbers, the fast path of the list reads of arrays: n values of
     // this element's kind lying back to back from where the input stands,
     // converted as the typed reads convert. Only plain number leaves can.
+    // False when the input ended before the last value.
     virtual bool canReadRun() const { return false; }
-    virtual void readRun(short* target, long n);
-    virtual void readRun(unsigned short* target, long n);
-    virtual void readRun(long* target, long n);
-    virtual void readRun(unsigned long* target, long n);
-    virtual void readRun(long long* target, long n);
-    virtual void readRun(unsigned long long* target, long n);
-    virtual void readRun(float* target, long n);
-    virtual void readRun(double* target, long n);
+    virtual bool readRun(short* target, long n);
+    virtual bool readRun(unsigned short* target, long n);
+    virtual bool readRun(long* target, long n);
+    virtual bool readRun(unsigned long* target, long n);
+    virtual bool readRun(long long* target, long n);
+    virtual bool readRun(unsigned long long* target, long n);
+    virtual bool readRun(float* target, long n);
+    virtual bool readRun(double* target, long n);
 
     // Called on each child once a record has read its dictionary.
     virtual void initialise() {}

@@ -253,8 +253,7 @@ bool StructNum<T>::writeRunTexts(TextFolder& folder, long n) {
     char text[32];
     for (long done = 0; done < n; done += block) {
         long k = n - done < block ? n - done : block;
-        readFieldRun(in, values, k, size);
-        if (in.fail()) this->readFailed(in);
+        if (!readFieldRun(in, values, k, size) || in.fail()) this->readFailed(in);
         for (long i = 0; i < k; ++i) {
             uint64_t key = 0;
             __builtin_memcpy(&key, &values[i], sizeof(T));

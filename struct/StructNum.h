@@ -79,14 +79,14 @@ public:
     double& readDouble(double& v) override { return self().readAs(v); }
 
     bool canReadRun() const override { return true; }
-    void readRun(short* target, long n) override { self().readRunAs(target, n); }
-    void readRun(unsigned short* target, long n) override { self().readRunAs(target, n); }
-    void readRun(long* target, long n) override { self().readRunAs(target, n); }
-    void readRun(unsigned long* target, long n) override { self().readRunAs(target, n); }
-    void readRun(long long* target, long n) override { self().readRunAs(target, n); }
-    void readRun(unsigned long long* target, long n) override { self().readRunAs(target, n); }
-    void readRun(float* target, long n) override { self().readRunAs(target, n); }
-    void readRun(double* target, long n) override { self().readRunAs(target, n); }
+    bool readRun(short* target, long n) override { return self().readRunAs(target, n); }
+    bool readRun(unsigned short* target, long n) override { return self().readRunAs(target, n); }
+    bool readRun(long* target, long n) override { return self().readRunAs(target, n); }
+    bool readRun(unsigned long* target, long n) override { return self().readRunAs(target, n); }
+    bool readRun(long long* target, long n) override { return self().readRunAs(target, n); }
+    bool readRun(unsigned long long* target, long n) override { return self().readRunAs(target, n); }
+    bool readRun(float* target, long n) override { return self().readRunAs(target, n); }
+    bool readRun(double* target, long n) override { return self().readRunAs(target, n); }
 
 private:
     Self& self() { return static_cast<Self&>(*this); }
@@ -95,34 +95,38 @@ private:
 // n values of a field type F, each `size` bytes in the file, lying back to
 // back from where in stands, into target as T. Values of their natural width
 // come in one read and are swapped in place when the input's byte order
-// isn't the machine's; other widths go one by one through read_swap.
+// isn't the machine's; other widths go one by one through read_swap. False
+// when the input ended before the last value.
 template <class F>
-void readFieldRun(zun::InputStream& in, F* target, long n, long size) {
-    if (n <= 0) return;
-    if (size == static_cast<long>(sizeof(F))) {
-        in.typeReadBuffer(target, static_cast<unsigned long>(n));
-        return;
-    }
+bool readFieldRun(zun::InputStream& in, F* target, long n, long size) {
+    if (n <= 0) return true;
+    if (size == static_cast<long>(sizeof(F)))
+        return in.typeReadBuffer(target, static_cast<unsigned long>(n)) == static_cast<unsigned long>(n);
+    unsigned long width = static_cast<unsigned long>(size) < sizeof(F) ? static_cast<unsigned long>(size) : sizeof(F);
     for (long i = 0; i < n; ++i) {
         target[i] = 0;
-        in.read_swap(reinterpret_cast<char*>(target + i), sizeof(F), static_cast<unsigned short>(size),
-                     std::is_signed<F>::value || std::is_floating_point<F>::value);
+        unsigned long got = in.read_swap(reinterpret_cast<char*>(target + i), sizeof(F),
+                                         static_cast<unsigned short>(size),
+                                         std::is_signed<F>::value || std::is_floating_point<F>::value);
+        if (got < width) return false;
     }
+    return true;
 }
 
 template <class F, class T>
-void readFastArray(zun::InputStream& in, T* target, long n, long size) {
+bool readFastArray(zun::InputStream& in, T* target, long n, long size) {
     if constexpr (std::is_same<F, T>::value) {
-        readFieldRun(in, target, n, size);
+        return readFieldRun(in, target, n, size);
     } else {
         // Converted in blocks, so that the temporary stays small however long the run.
         const long block = 4096;
         F values[block];
         for (long done = 0; done < n; done += block) {
             long k = n - done < block ? n - done : block;
-            readFieldRun(in, values, k, size);
+            if (!readFieldRun(in, values, k, size)) return false;
             for (long i = 0; i < k; ++i) target[done + i] = static_cast<T>(values[i]);
         }
+        return true;
     }
 }
 
@@ -151,8 +155,8 @@ public:
 protected:
     // The run of n values behind the one just read, as U.
     template <class U>
-    void readRunAs(U* target, long n) {
-        readFastArray<T, U>(*this->getBase()->input, target, n, this->getSize());
+    bool readRunAs(U* target, long n) {
+        return readFastArray<T, U>(*this->getBase()->input, target, n, this->getSize());
     }
     // Reads the field and converts its value to U, where the rule allows it.
     template <class U>

@@ -274,3 +274,26 @@ TEST_F(Arrays, AnOuterArrayMovesTheInnerOnes) {
     EXPECT_EQ(text(field("rows.#.v").getTypeStr(255)), "(1*UShort)");
     EXPECT_EQ(list<long>([&](ObjAppendList<long>& l) { field("rows").readSLongA(l, "k"); }), "2 0 1");
 }
+
+TEST_F(Arrays, RunsThatPassTheEndOfTheDataFail) {
+    // counts larger than the data: no value is made up for the missing bytes
+    openLines("a|UShort|||1000000\nb|SLong||3|5\nt|aULong||2|9\n", raw("\x01\x00\x02\x00") + "12");
+    EXPECT_EQ(errorOf([&] { field("a").readAll(true); }), "reading field \"a.0\" [0,2] in \"data.bin\"");
+    EXPECT_EQ(errorOf([&] {
+                  ObjAppendList<long> l;
+                  field("a").readSLongA(l);
+              }),
+              "reading field \"a\" [0,2000000] in \"data.bin\"");
+    openLines("b|SLong||3|5\n", "abcdefg");
+    EXPECT_EQ(errorOf([&] {
+                  ObjAppendList<double> l;
+                  field("b").readDoubleA(l);
+              }),
+              "reading field \"b\" [0,15] in \"data.bin\"");
+    openLines("t|aULong||2|9\n", "1234");
+    EXPECT_EQ(errorOf([&] {
+                  ObjAppendList<double> l;
+                  field("t").readDoubleA(l);
+              }),
+              "reading field \"t\" [0,18] in \"data.bin\"");
+}
