@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <iostream>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -177,6 +178,12 @@ void BinOutput::write(const char* bytes, long n) {
         writeLine();
     }
     errno = 0;
+    if (out == &std::cout) {
+        // Standard output: straight into its buffer, as the text lines go.
+        fwrite_unlocked(bytes, 1, static_cast<size_t>(n), stdout);
+        if (std::ferror(stdout)) flushOutput();
+        return;
+    }
     out->write(bytes, n);
     if (name.isNull()) {
         if (!*out || std::ferror(stdout)) flushOutput();
@@ -268,7 +275,9 @@ void print_element(StructElem& element, BinOutput* bin, bool explode, const char
     StructElem& e = *element.getChild(nullptr);
     if (bin) {
         if (e.getSize() > 0) {
-            zun::RawBuffer buffer;
+            // One buffer for all elements: its room stays from one to the next.
+            static zun::RawBuffer buffer;
+            buffer.flush(false);
             e.readBuf(buffer, 1);
             if (buffer.count > 0) bin->write(buffer.data, buffer.count);
         }
