@@ -297,3 +297,38 @@ TEST_F(Arrays, RunsThatPassTheEndOfTheDataFail) {
               }),
               "reading field \"t\" [0,18] in \"data.bin\"");
 }
+
+TEST_F(Arrays, ReadersOnNamesAndInnerArrays) {
+    dict("grp", "grp|||\nn|UChar|||\nv|UChar|||n\n");
+    openLines("g|@grp|||2\nu|UChar|||inf\n", raw("\x02\x05\x06" "\x01\x07" "\x08\x09"));
+    vexa::ArrayReader groups(*file, "g");
+    EXPECT_EQ(groups.numRows(), 2);
+    groups << "n";
+    // the inner array of a group, whose element is no record: its own column
+    vexa::ArrayReader values(groups, "v");
+    EXPECT_EQ(values.columns.count, 1);
+    ASSERT_TRUE(groups = 1);
+    ASSERT_TRUE(values = 0);
+    double v = 0;
+    values >> v;
+    EXPECT_EQ(v, 7);
+    EXPECT_TRUE(groups = 0);
+    EXPECT_EQ(values.numRows(), 2);
+    // two readers on one array notice each other's moves
+    vexa::ArrayReader other(*file, "g");
+    other << "n";
+    EXPECT_TRUE(other = 1);
+    double n = 0;
+    groups >> n;  // groups stands on row 0 and goes back there
+    EXPECT_EQ(n, 2);
+    other += 1;
+    EXPECT_EQ(other.row, -1);
+    EXPECT_EQ(errorOf([&] { vexa::ArrayReader bad(*file, "g.0.n"); }), "structure \"g.0.n\" is not an array");
+    // an unbound array: not ready past its end, and the count is known then
+    vexa::ArrayReader tail(*file, "u");
+    tail << "*";
+    EXPECT_EQ(tail.numRows(), -1);
+    EXPECT_TRUE(tail = 1);
+    EXPECT_FALSE(tail = 2);
+    EXPECT_EQ(tail.numRows(), 2);
+}
