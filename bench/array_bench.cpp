@@ -51,38 +51,19 @@ public:
         std::fclose(f);
     }
 
-    // The demo table of n records, sparse: the header and the last record
-    // hold bytes, the rest is a hole.
-    std::string demo(long n) {
-        std::string name = "demo_" + std::to_string(n) + ".bin";
-        std::string file = path(name);
+    // The demo table of n records: a header "DEMO" and the count, then
+    // records {id, value, flags, pad}. Sparse, only the header and the last
+    // record hold bytes; or full, every record written.
+    std::string demo(long n, bool full = false) {
+        std::string file = path((full ? "full_" : "demo_") + std::to_string(n) + ".bin");
         if (access(file.c_str(), F_OK) == 0) return file;
         FILE* f = std::fopen(file.c_str(), "wb");
         unsigned count = static_cast<unsigned>(n);
         std::fwrite("DEMO", 1, 4, f);
         std::fwrite(&count, 4, 1, f);
-        long last = 8 + 16 * (n - 1);
-        fseeko(f, last, SEEK_SET);
-        unsigned id = static_cast<unsigned>(n - 1);
-        double value = static_cast<double>((n - 1) % 10007) * 0.25;
-        unsigned short flags = static_cast<unsigned short>((n - 1) & 0xffff), pad = 0;
-        std::fwrite(&id, 4, 1, f);
-        std::fwrite(&value, 8, 1, f);
-        std::fwrite(&flags, 2, 1, f);
-        std::fwrite(&pad, 2, 1, f);
-        std::fclose(f);
-        return file;
-    }
-
-    // The demo table with every record written.
-    std::string fullDemo(long n) {
-        std::string file = path("full_" + std::to_string(n) + ".bin");
-        if (access(file.c_str(), F_OK) == 0) return file;
-        FILE* f = std::fopen(file.c_str(), "wb");
-        unsigned count = static_cast<unsigned>(n);
-        std::fwrite("DEMO", 1, 4, f);
-        std::fwrite(&count, 4, 1, f);
-        for (long i = 0; i < n; ++i) {
+        long from = full ? 0 : n - 1;
+        fseeko(f, 8 + 16 * from, SEEK_SET);
+        for (long i = from; i < n; ++i) {
             unsigned id = static_cast<unsigned>(i);
             double value = static_cast<double>(i % 10007) * 0.25;
             unsigned short flags = static_cast<unsigned short>(i & 0xffff), pad = 0;
@@ -222,7 +203,7 @@ BENCHMARK(BM_VariableRecordWalk)->Arg(1000000)->Unit(benchmark::kMillisecond);
 // "twice" computed from it (1).
 void BM_ColumnOfEveryRecord(benchmark::State& state) {
     const long n = 1000000;
-    std::string data = files().fullDemo(n);
+    std::string data = files().demo(n, true);
     auto file = open("demo", data);
     vexa::ArrayReader reader(*file->getRoot().getChild("recs"));
     reader << (state.range(0) == 0 ? "value" : "twice");
