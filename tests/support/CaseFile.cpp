@@ -316,7 +316,7 @@ CaseFile::CaseFile(const std::string& folder, const std::string& workDir) : path
     std::sort(files.begin(), files.end());
     for (const fs::path& file : files) {
         CaseStep step;
-        step.name = fs::relative(file, folder).string();
+        step.name = file.lexically_relative(folder).string();  // a link is read, not followed out
         step.bytes = readFile(file.string());
         steps.push_back(step);
     }
