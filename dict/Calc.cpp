@@ -35,6 +35,44 @@ CalcNode* Calc::getCalcNode() {
     return node;
 }
 
+namespace {
+
+// Where the arrays around an element stand. A statement may read other
+// elements of such an array (".recs.0.k" while recs stands on element 1),
+// which moves it; the element the statement serves must be read where it
+// stood, so the arrays go back when the statement is done.
+class Places {
+public:
+    explicit Places(StructElem& e) {
+        for (StructElem* p = e.parent; p && count < maxKept; p = p->parent) {
+            if (!p->isAnArray()) continue;
+            auto* a = static_cast<StructArrayBase*>(p);
+            kept[count++] = {a, a->activeIndex, a->element->offset >= 0};
+        }
+    }
+    // Outermost first, all of them once one moved: an outer move restarts
+    // the arrays inside it.
+    void restore() {
+        bool moved = false;
+        for (int i = 0; i < count && !moved; ++i)
+            moved = kept[i].array->activeIndex != kept[i].index || (kept[i].placed && kept[i].array->element->offset < 0);
+        if (!moved) return;
+        for (int i = count - 1; i >= 0; --i) kept[i].array->getElement(kept[i].index);
+    }
+
+private:
+    struct Place {
+        StructArrayBase* array;
+        long index;
+        bool placed;  // the element had its place
+    };
+    static const int maxKept = 16;
+    Place kept[maxKept];
+    int count = 0;
+};
+
+}  // namespace
+
 Calc::Running::Running(Calc& calc) : calc(calc) {
     if (calc.running) {
         static const char* const reasons[] = {"in virtual field computation", "in size computation",
@@ -47,6 +85,7 @@ Calc::Running::Running(Calc& calc) : calc(calc) {
 
 void Calc::init_statement() {
     Running running(*this);
+    Places places(owner);
     try {
         std::unique_ptr<CalcNode> parsed(
             new zun::CalcParser(statement.str(), bound->getCalcBinder(nullptr, nullptr), false));
@@ -68,6 +107,7 @@ void Calc::init_statement() {
         } else {
             node = parsed.release();
         }
+        places.restore();
     } catch (zun::Exception& e) {
         String text;
         switch (role) {
@@ -104,7 +144,10 @@ StructArray* Calc::registerCell(DepCell& cell) {
 long long Calc::valInt() {
     getCalcNode();
     Running running(*this);
-    return node->valInt();
+    Places places(owner);
+    long long value = node->valInt();
+    places.restore();
+    return value;
 }
 
 template <class F>
@@ -112,9 +155,11 @@ auto Calc::evaluate(F get) -> decltype(get()) {
     if (dirty == 0) return get();
     getCalcNode();
     Running running(*this);
+    Places places(owner);
     try {
         node->reset();
         get();
+        places.restore();
         dirty = 0;
         return get();
     } catch (zun::Exception& e) {

@@ -80,6 +80,17 @@ StructElem* StructArrayBase::getNextElement(long n) {
     return element;
 }
 
+long StructArrayBase::countElems() {
+    long n = numElems();
+    if (n >= 0) return n;
+    try {
+        getElement(0);
+        for (;;) stepArray(1);
+    } catch (ErrorArrayIndexOverflow&) {
+    }
+    return numElems();
+}
+
 StructElem* StructArrayBase::getField(const char* text) {
     if (!text || !*text) return this;
     String word(text);
@@ -140,8 +151,9 @@ StructElem* StructArrayBase::search(const char* text) {
 
 void StructArrayBase::writeText(TextSink& sink, TextForm form, bool compress) {
     long remembered = activeIndex;
+    // An unbound array is printed whole: its count is learned first.
+    long n = countElems();
     if (form == FormAll) sink.put('{');
-    long n = numElems();
     if (n != 0) {
         setArray(0);
         writeElements(sink, form, compress, n);

@@ -101,6 +101,9 @@ public:
     StructElem* getElement(long i);
     // Moves n elements on, checking the count both ways.
     StructElem* getNextElement(long n);
+    // The element count; an unbound array is walked to its end first, to
+    // learn it. -1 while the count is being computed.
+    long countElems();
 
 protected:
     // Gives the element the name of the index it stands on.

@@ -12,6 +12,7 @@
 #include "base/Exception.h"
 #include "base/RawBuffer.h"
 #include "struct/ArrayReader.h"
+#include "struct/StructArray.h"
 #include "struct/Error.h"
 #include "struct/StructAlias.h"
 #include "struct/StructElem.h"
@@ -150,8 +151,9 @@ void printSelection(ObjAppendListP<StructAlias>& aliases, BinOutput* bin, const 
             if (explode) {
                 read_base(*target, FieldList(), bin, xopt, explode, compress, width, 0, -1, 1);
             } else {
-                for (long k = 0; k < target->numElems(); ++k)
-                    print_element((*target)[k], bin, false, xopt, compress, width);
+                auto& records = static_cast<vexa::StructArrayBase&>(*target);
+                for (long k = 0, n = records.countElems(); k < n; ++k)
+                    print_element(records[k], bin, false, xopt, compress, width);
             }
         } else {
             print_element(*target, bin, explode, xopt, compress, width);
@@ -320,7 +322,8 @@ void read_base_struct(StructElem& element, const FieldList& fields, bool explode
 
     StructElem* e = &element;
     if (e->isAnArray()) {
-        e = e->getChild("#");
+        // Through every dimension to the element.
+        while (e->isAnArray()) e = e->getChild("#");
         if (e->isFixedType(0)) e = e->getChild(nullptr);
     }
     int relLevel = selectionLevel(*e);
