@@ -513,6 +513,11 @@ void StructArray::writeElements(TextSink& sink, TextForm form, bool compress, lo
     StructArrayBase::writeElements(sink, form, compress, n);
 }
 
+long StructArray::fixedStride() {
+    if (dim < 0 || element->isVirtual() || !fixedElements()) return -1;
+    return element->getSize();
+}
+
 void StructArray::setSizeByCumul() {
     long n = numElems();
     if (n == 0) {

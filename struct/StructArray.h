@@ -91,6 +91,10 @@ public:
     void readCharA(zun::ObjAppendList<char>& list) override;
     void readCharA(zun::ObjAppendList<char>& list, const char* field) override;
 
+    // The distance in bytes between successive elements when all lie back
+    // to back with the size of the first and the count is known; -1 when
+    // they don't, or it isn't.
+    virtual long fixedStride() { return -1; }
     // Moves to element i.
     virtual void setArray(long i) = 0;
     // Moves n elements on from the present one.
@@ -142,6 +146,7 @@ public:
     StructArray* getSizeDep() override;
     void setSizeByCumul() override;
     void setArray(long i) override;
+    long fixedStride() override;
     void writeElements(TextSink& sink, TextForm form, bool compress, long n) override;
     void stepArray(long n) override;
 

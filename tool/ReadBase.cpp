@@ -6,6 +6,7 @@
 #include <fstream>
 #include <iostream>
 #include <memory>
+#include <vector>
 #include <ostream>
 #include <string>
 
@@ -13,6 +14,8 @@
 #include "base/RawBuffer.h"
 #include "struct/ArrayReader.h"
 #include "struct/StructArray.h"
+#include "struct/StructBase.h"
+#include "input/InputStream.h"
 #include "struct/Error.h"
 #include "struct/StructAlias.h"
 #include "struct/StructElem.h"
@@ -208,6 +211,64 @@ void printRow(vexa::ArrayReader& reader, BinOutput* bin, const char* xopt, bool 
     }
 }
 
+// The bytes of the columns of rows first..last, for a table whose rows lie
+// back to back with one layout: read in blocks of rows and copied out, the
+// same bytes the rows would give one by one. False, with nothing written,
+// where that doesn't hold (a column that moves within the row, a union or
+// an array on its way, a pipe, rows the data doesn't hold).
+bool writeColumnsInBlocks(vexa::ArrayReader& reader, BinOutput* bin, long first, long last) {
+    vexa::StructArrayBase& array = *reader.readerArray;
+    long rows = array.numElems();
+    long stride = array.fixedStride();
+    if (stride <= 0 || rows <= first) return false;
+    long lastRow = last < 0 || last >= rows ? rows - 1 : last;
+    if (lastRow < first) return false;
+    StructElem* e = array.getElement(first);
+    long base = e->getPos();
+    unsigned char level = array.getStructLevel();
+    struct Column {
+        long at, size;
+    };
+    std::vector<Column> columns;
+    for (long c = 0; c < reader.columns.count; ++c) {
+        StructElem* x = reader.columns[c].resolve();
+        if (x->isVirtual()) return false;
+        for (StructElem* p = x; p != e; p = p->parent) {
+            if (!p || p->isSeenThrough() || (p != x && p->isAnArray())) return false;
+            vexa::StructArray* moved = p->getOffsetDep();
+            if (moved && moved->getStructLevel() >= level) return false;
+        }
+        vexa::StructArray* sized = x->getSizeDep();
+        if (sized && sized->getStructLevel() >= level) return false;
+        long size = x->getSize();
+        long at = x->getPos() - base;
+        if (size <= 0) continue;
+        if (at < 0 || at > stride - size) return false;
+        columns.push_back({at, size});
+    }
+    zun::InputStream& in = *array.getBase()->input;
+    if (in.isFifo()) return false;
+    long end = 0;
+    if (__builtin_mul_overflow(lastRow - first + 1, stride, &end) || __builtin_add_overflow(end, base, &end))
+        return false;
+    in.seek(end - 1, std::ios::beg);
+    if (in.peek() < 0) return false;
+    long block = (1L << 20) / stride + 1;
+    std::vector<char> data(static_cast<size_t>(block * stride));
+    std::vector<char> out;
+    for (long row = first; row <= lastRow; row += block) {
+        long n = lastRow - row + 1 < block ? lastRow - row + 1 : block;
+        in.seek(base + (row - first) * stride, std::ios::beg);
+        unsigned long want = static_cast<unsigned long>(n * stride);
+        if (in.bufread(data.data(), want, 0) < want) return false;
+        out.clear();
+        for (long i = 0; i < n; ++i)
+            for (const Column& c : columns) out.insert(out.end(), &data[i * stride + c.at], &data[i * stride + c.at + c.size]);
+        if (!out.empty()) bin->write(out.data(), static_cast<long>(out.size()));
+    }
+    return true;
+}
+
 // An array as a table: the rows first..last by step (backwards with a
 // negative step), one line per column of each row.
 void readArray(StructElem& element, const FieldList& fields, BinOutput* bin, const char* xopt, bool explode,
@@ -223,6 +284,8 @@ void readArray(StructElem& element, const FieldList& fields, BinOutput* bin, con
         if (reader.columns.count == before) warnNoMatch(fields[i]);
     }
     if (reader.columns.count == 0) return;
+    if (getenv("SKDBG")) fprintf(stderr, "bin=%p step=%ld explode=%d\n", (void*)bin, step, explode);
+    if (bin && step == 1 && !explode && writeColumnsInBlocks(reader, bin, first, last)) return;
     reader = first;
     long rows = reader.numRows();
     if (step > 0) {
