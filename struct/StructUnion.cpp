@@ -27,6 +27,7 @@ StructUnion::StructUnion(const char* switchText, const char* dictionary, StructE
         }
         const String& word = alternatives.recordSize;
         if (!word.isEmpty() && word != "*") setSizeText(word);
+        sizeFixed = sizeText.length == 0 && this->size >= 0;
     } catch (...) {
         for (long i = 0; i < choices.count; ++i) delete choices.data[i];
         for (long i = 0; i < markers.count; ++i) delete markers.data[i];
@@ -160,7 +161,7 @@ void StructUnion::setSize() {
 
 StructArray* StructUnion::getSizeDep() {
     if (sizeDepKnown) return sizeDep;
-    if (sizeText.length > 0) return StructRefSize::getSizeDep();
+    if (sizeText.length > 0 || sizeFixed) return StructRefSize::getSizeDep();
     sizeDepKnown = true;
     getUnionSwitchRef();
     StructArray* d = switchRef->dependency();

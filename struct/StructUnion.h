@@ -32,6 +32,9 @@ public:
     StructElem* active = nullptr;          // the alternative in force
     zun::ObjAppendList<StructElem*> choices;   // the alternatives in dictionary order; owned
     zun::ObjAppendList<StructElem*> markers;   // offset markers among them; owned
+    // A number in the size column or in the header of the alternatives: the
+    // size holds whatever alternative is in force, and no array moves it.
+    bool sizeFixed = false;
 
     // Reads the dictionary of the alternatives at once; errors of the
     // dictionary stage are thrown as zun::String.
