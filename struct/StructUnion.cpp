@@ -1,5 +1,7 @@
 #include "struct/StructUnion.h"
 
+#include <sys/stat.h>
+
 #include <cstring>
 
 #include "calc/CalcNode.h"
@@ -20,6 +22,17 @@ StructUnion::StructUnion(const char* switchText, const char* dictionary, StructE
     if (!parent) throw ErrorNoParent();
     try {
         Dictionary alternatives(*parent, dictionary);
+        struct stat file;
+        if (stat(alternatives.path().str(), &file) == 0) {
+            alternativesDevice = file.st_dev;
+            alternativesInode = file.st_ino;
+            for (StructElem* p = parent; p; p = p->parent) {
+                auto* outer = dynamic_cast<StructUnion*>(p);
+                if (outer && outer->alternativesDevice == alternativesDevice &&
+                    outer->alternativesInode == alternativesInode)
+                    throw "union \"" + elemName + "\" inside its own alternatives '" + alternatives.path() + "'";
+            }
+        }
         StructElem* marker = nullptr;
         while (StructElem* e = alternatives.processNext(nullptr, this, marker)) {
             choices << e;
