@@ -1,5 +1,6 @@
 #include "calc/CalcNodeVector.h"
 
+#include <algorithm>
 #include <climits>
 #include <cmath>
 #include <cstring>
@@ -117,6 +118,48 @@ long CalcNodeFunc::flattenVectorArgument(long i) {
     return i + n;
 }
 
+// ---- the vectors of a parser ----
+
+CalcVectorBinders::~CalcVectorBinders() {
+    for (auto& entry : answering[0]) entry.second->registry = nullptr;
+}
+
+void CalcVectorBinders::enter(CalcNodeVector& vector) {
+    if (vector.registry) vector.registry->leave(vector);
+    if (!vector.bindActive) return;
+    vector.registry = this;
+    vector.order = made++;
+    answering[0][vector.order] = &vector;
+    shaped(vector);
+}
+
+void CalcVectorBinders::leave(CalcNodeVector& vector) {
+    if (vector.registry != this) return;
+    long last = std::min(lastSymbol, vector.dims.count);
+    for (long k = 0; k <= last; ++k) answering[k].erase(vector.order);
+    vector.registry = nullptr;
+}
+
+void CalcVectorBinders::shaped(CalcNodeVector& vector) {
+    if (vector.registry != this) return;
+    long last = std::min(lastSymbol, vector.dims.count);
+    for (long k = 1; k <= last; ++k) answering[k][vector.order] = &vector;
+}
+
+void CalcVectorBinders::statementEnded() {
+    for (auto& entry : answering[0]) {
+        entry.second->bindActive = false;
+        entry.second->registry = nullptr;
+    }
+    for (auto& vectors : answering) vectors.clear();
+}
+
+CalcNode* CalcVectorBinders::bindSymbol(const char* name) {
+    if (!name || name[0] != '$' || name[1] < '0' || name[1] > '9' || name[2]) return nullptr;
+    const auto& vectors = answering[name[1] - '0'];
+    return vectors.empty() ? nullptr : vectors.begin()->second->bindSymbol(name);
+}
+
 // ---- the vector ----
 
 CalcNodeVector::CalcNodeVector(const char* name, ObjAppendListP<CalcNode>* args)
@@ -157,27 +200,12 @@ CalcNodeVector::CalcNodeVector(const char* name, ObjAppendListP<CalcNode>* args)
 }
 
 CalcNodeVector::~CalcNodeVector() {
-    if (registry) {
-        // Leave the binder list, keeping the order of the others.
-        CalcBinder* self = this;
-        long j = 0;
-        for (long i = 0; i < registry->entries.count; ++i) {
-            if (registry->entries.data[i] == self) continue;
-            registry->entries.data[j] = registry->entries.data[i];
-            registry->owned.data[j] = registry->owned.data[i];
-            ++j;
-        }
-        registry->entries.del(registry->entries.count - j);
-        registry->owned.del(registry->owned.count - j);
-    }
+    if (registry) registry->leave(*this);
     delete shifts;
     delete sourceNode;
 }
 
-void CalcNodeVector::enterIn(CalcBinderListT<CalcBinder>& list) {
-    list << static_cast<CalcBinder&>(*this);
-    registry = &list;
-}
+void CalcNodeVector::enterIn(CalcVectorBinders& vectors) { vectors.enter(*this); }
 
 void CalcNodeVector::setShape() {
     bindShifts.flush();
@@ -212,6 +240,7 @@ CalcNode* CalcNodeVector::implements(const char* what) { return what && same(wha
 
 CalcNode* CalcNodeVector::assigned(String& /*name*/) {
     bindActive = false;
+    if (registry) registry->leave(*this);
     return this;
 }
 
@@ -265,6 +294,7 @@ void CalcNodeVector::addGeneration(const char* name, ObjAppendListP<CalcNode>* a
         dims << args->count;
         total = args->count;
         setShape();
+        if (registry) registry->shaped(*this);
     }
     for (long k = 0; k < bindShifts.count; ++k) bindShifts.data[k] = 0;
 
@@ -597,7 +627,7 @@ double CalcNodeVectorSize::valNum() {
 CalcNode* bindVectorFunction(const char* name, ObjAppendListP<CalcNode>* args, CalcParser& parser) {
     if (!name || !same(name, "vector")) return nullptr;
     auto* vector = new CalcNodeVector(name, args);
-    vector->enterIn(parser.binders);
+    vector->enterIn(parser.vectorBinders());
     return vector;
 }
 

@@ -9,12 +9,49 @@
 // Only the last generation is visible to reads: v[i, j], v@size(k), v@dims.
 #pragma once
 
+#include <map>
+
 #include "base/ObjAppendList.h"
 #include "base/String.h"
 #include "calc/CalcBinder.h"
 #include "calc/CalcNode.h"
 
 namespace zun {
+
+class CalcNodeVector;
+
+// The vectors that one parser's statements make, as one binder of its list:
+// of those still answering, the first made answers $0 to $9, as if each
+// stood in the list on its own. A vector stops answering when it is
+// assigned, when the statement that made it ends (also one made inside
+// another's elements or an expression), and leaves when it is destroyed.
+// Each step and each look-up costs the logarithm of the count: a vector
+// whose elements make vectors of their own (one more here per element)
+// stays linear.
+class CalcVectorBinders : public CalcBinder {
+public:
+    CalcVectorBinders() = default;
+    CalcVectorBinders(const CalcVectorBinders&) = delete;
+    CalcVectorBinders& operator=(const CalcVectorBinders&) = delete;
+    ~CalcVectorBinders() override;  // the vectors still entered forget it
+
+    void enter(CalcNodeVector& vector);
+    void leave(CalcNodeVector& vector);
+    // The vector's dimensions are known now (its first generation gave them).
+    void shaped(CalcNodeVector& vector);
+    // A statement has ended: none of the vectors made so far answers again.
+    void statementEnded();
+    long size() const { return static_cast<long>(answering[0].size()); }
+
+    CalcNode* bindSymbol(const char* name) override;
+
+private:
+    static constexpr long lastSymbol = 9;  // $0 to $9
+    unsigned long long made = 0;
+    // answering[k]: the vectors that answer $k (k dimensions at least, any
+    // for $0), by the order they were made in.
+    std::map<unsigned long long, CalcNodeVector*> answering[lastSymbol + 1];
+};
 
 class CalcNodeVector : public CalcNodeFunc, public CalcBinder {
 public:
@@ -26,8 +63,10 @@ public:
     ObjAppendListP<CalcNode> elements;  // all generations, each in row-major order
     CalcNode* bindNode = nullptr;    // what $0 stands for; not owned
     ObjAppendListP<CalcNode>* shifts = nullptr;  // the @shift expressions, owned
-    // The binder list this vector is entered in; it leaves it when destroyed.
-    CalcBinderListT<CalcBinder>* registry = nullptr;
+    // The vectors of the parser this vector is entered in, while it answers
+    // there; it leaves them when assigned or destroyed.
+    CalcVectorBinders* registry = nullptr;
+    unsigned long long order = 0;  // when it was entered there
     // The argument a copy was made from, kept because the copy's elements
     // point into it; owned, may be null.
     CalcNode* sourceNode = nullptr;
@@ -39,9 +78,9 @@ public:
     CalcNodeVector(const char* name, ObjAppendListP<CalcNode>* args);
     ~CalcNodeVector() override;
 
-    // Enters the vector in a binder list (borrowed), so that later symbols
-    // find it there.
-    void enterIn(CalcBinderListT<CalcBinder>& list);
+    // Enters the vector among a parser's vectors (borrowed), so that later
+    // symbols find it there.
+    void enterIn(CalcVectorBinders& vectors);
 
     // The element at a position of the last generation; null when there is none.
     CalcNode* element(long long position) const;

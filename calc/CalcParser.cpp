@@ -10,6 +10,7 @@
 #include "calc/CalcError.h"
 #include "calc/CalcFunctions.h"
 #include "calc/CalcGrammar.h"
+#include "calc/CalcNodeVector.h"
 
 namespace zun {
 
@@ -157,6 +158,18 @@ CalcNode* CalcParser::bindSymbol(const char* name) {
 }
 
 CalcNode* CalcParser::bindSymbolExternal(const char* name) { return binders.bindSymbol(name); }
+
+CalcVectorBinders& CalcParser::vectorBinders() {
+    if (!vectors) {
+        vectors.reset(new CalcVectorBinders);
+        binders << static_cast<CalcBinder&>(*vectors);
+    }
+    return *vectors;
+}
+
+void CalcParser::statementEnded() {
+    if (vectors) vectors->statementEnded();
+}
 
 CalcIterator* CalcParser::bindIterator(int level) {
     if (binders.size() == 0) throw CalcErrorIterator("no bindIterator function");
@@ -539,6 +552,7 @@ void assignment(CalcParser& parser, String* name, CalcNode* node, const CalcLoca
     owned.release();
     if (answer != node) handOver(node, answer);
     parser.statements << new CalcNodeMem(name->str(), answer);
+    parser.statementEnded();
 }
 
 void statement(CalcParser& parser, CalcNode* node) {

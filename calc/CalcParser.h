@@ -9,6 +9,7 @@
 #include <exception>
 #include <istream>
 #include <list>
+#include <memory>
 
 #include "calc/CalcBinder.h"
 #include "calc/CalcLex.h"
@@ -16,10 +17,18 @@
 
 namespace zun {
 
+class CalcVectorBinders;
+
 class CalcParser : public CalcNode, public CalcBinder, public CalcLex {
+private:
+    // The vectors made by the statement; null until the first. Declared
+    // first, it goes last, after the nodes that hold the vectors.
+    std::unique_ptr<CalcVectorBinders> vectors;
+
 public:
     // External binders in order, each borrowed (given by reference) or owned
-    // (given by pointer). Vectors made by the statement are appended here too.
+    // (given by pointer). The vectors made by the statement follow them as
+    // one entry, appended when the first is made.
     CalcBinderListT<CalcBinder> binders;
     // The CalcNodeMem nodes of the assignments, in source order.
     ObjAppendListP<CalcNode> statements;
@@ -50,6 +59,11 @@ public:
     // builtin functions. A non-null answer, or an exception, has taken args over.
     CalcNode* bindFunction(const char* name, ObjAppendListP<CalcNode>* args) override;
     CalcIterator* bindIterator(int level) override;
+    // Where the vectors made by the statement enter, appended to binders
+    // when first asked for.
+    CalcVectorBinders& vectorBinders();
+    // An assignment has ended: the vectors made so far answer $0..$9 no more.
+    void statementEnded();
     CalcNode* bindSymbolExternal(const char* name);
     // The node of an operator; right is null for a prefix operator. Takes both
     // operands over when it answers or throws; a null answer takes nothing.

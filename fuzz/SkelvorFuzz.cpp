@@ -1,8 +1,12 @@
 // Fuzz target: a dictionary, a sub-dictionary, data and arguments through
 // skelvor's own run (skelvorMain), as "skelvor <folder>/data.bin -d=<folder>/t
-// <arguments>" with a scratch folder holding t.dd, s.dd and data.bin. The
+// <arguments>" with a scratch folder holding t.dd, s.dd and data.bin, and its
+// standard output in a file of bounded size there. The
 // input's parts are separated by a line "----" (FuzzTarget.h).
+#include <fcntl.h>
+#include <signal.h>
 #include <stdlib.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <cstdint>
@@ -18,7 +22,13 @@
 namespace {
 
 std::string folder;  // below $TMPDIR, else /tmp
-const char* const files[] = {"t.dd", "s.dd", "data.bin"};
+const char* const files[] = {"t.dd", "s.dd", "data.bin", "out"};
+
+// Standard output goes to the file "out", emptied before each input, and no
+// file of the process may grow beyond this: a run that would print more
+// (a billion elements of no size, all asked for) meets a write error and
+// ends there, as it would on a full disk, instead of printing for minutes.
+const rlim_t outputLimit = 64 << 20;
 
 std::string path(const char* name) { return folder + "/" + name; }
 
@@ -38,6 +48,11 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
         rmdir(folder.c_str());
     });
     fuzz::silence();
+    int out = open(path("out").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    if (out < 0 || dup2(out, 1) < 0) abort();
+    close(out);
+    struct rlimit limit = {outputLimit, outputLimit};
+    setrlimit(RLIMIT_FSIZE, &limit);
     for (const char* name : {"VEXA_DICTIONARY_PATH", "VEXA_DEFAULT_DATAFILE", "VEXA_AUXFILE_PATH"}) unsetenv(name);
     return 0;
 }
@@ -45,6 +60,8 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::vector<std::string> parts = fuzz::split(std::string(reinterpret_cast<const char*>(data), size));
     for (int part : {fuzz::Dictionary, fuzz::SubDictionary, fuzz::Data}) writeFile(files[part], parts[part]);
+    if (ftruncate(1, 0) != 0 || lseek(1, 0, SEEK_SET) != 0) abort();
+    signal(SIGXFSZ, SIG_IGN);  // libFuzzer's own handler would end the process
     std::vector<std::string> args{"skelvor", path("data.bin"), "-d=" + path("t")};
     const std::string& rest = parts[fuzz::Arguments];
     for (size_t from = 0; from < rest.size();) {

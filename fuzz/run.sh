@@ -1,7 +1,7 @@
 #!/bin/sh
 # Runs each fuzz target for a bounded time under ASan and UBSan, seeded from
-# the end-to-end cases of tests/cases, with the token dictionaries of this
-# folder. Fails on the first crash, leak, sanitizer report, time-out (10 s)
+# the end-to-end cases of tests/cases and the inputs of fuzz/seeds, with the
+# token dictionaries of this folder. Fails on the first crash, leak, sanitizer report, time-out (10 s)
 # or memory use over 4 GB (a text of the language may take 2 GB) of a
 # target; the input that caused it is kept as <build>/fuzz-out/<target>-*.
 # The corpus grows in <build>/fuzz-out/corpus-<target> from run to run.
@@ -14,6 +14,9 @@ out=$build/fuzz-out
 rm -rf "$out/seeds-calc" "$out/seeds-skelvor" "$out/tmp"
 mkdir -p "$out/seeds-calc" "$out/seeds-skelvor" "$out/corpus-calc" "$out/corpus-skelvor" "$out/tmp"
 "$build/fuzz/fuzz_seeds" "$root/tests/cases" "$out/seeds-calc" "$out/seeds-skelvor"
+# and the inputs written for the fuzzers alone, in their own layout
+cp "$root"/fuzz/seeds/calc/* "$out/seeds-calc"
+cp "$root"/fuzz/seeds/skelvor/* "$out/seeds-skelvor"
 cat "$root/fuzz/calc.dict" > "$out/calc.dict"
 cat "$root/fuzz/calc.dict" "$root/fuzz/skelvor.dict" > "$out/skelvor.dict"
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1

@@ -128,6 +128,7 @@ void StructRec::clearFields() {
     markers.flush(true);
     fields.setTruncSize(300);
     soleField = nullptr;
+    initialised = false;
 }
 
 void StructRec::deleteFrom(long fieldCount, long markerCount) {
@@ -210,6 +211,9 @@ long StructRec::addAuxFile(const char* name, const char* /*a*/, const char* /*b*
 
 String StructRec::readAll(bool compress) {
     long n = numElems();
+    // A record of no fields that takes bytes reads none of them: it must
+    // still find them in the data, as any field does.
+    if (n == 0 && getSize() > 0) initRead();
     String text("[");
     for (long i = 0; i < n; ++i) {
         if (i > 0) text += ',';
@@ -277,7 +281,8 @@ VEXA_SOLE_READ(readDouble, double, "Double")
 // Fields from the dictionary
 
 void StructRec::init() {
-    if (fields.count > 0) return;
+    // A dictionary of no fields is read once too, not at every question.
+    if (initialised || fields.count > 0) return;
     if (initialising) throw ErrorReferenceRecursion(getPathName().str());
     // Structure levels are 8-bit: a record can't hold fields below level 255.
     // A dictionary that contains itself reaches this however its data reads.
@@ -305,6 +310,7 @@ void StructRec::init() {
     }
     findSoleField();
     initialising = false;
+    initialised = true;
 }
 
 void StructRec::findSoleField() {

@@ -66,6 +66,7 @@ public:
     StructElem* soleField = nullptr;          // the one real field, or null
     zun::ObjAppendList<StructElem*> markers;  // offset markers; owned; not in fields
     bool initialising = false;                // recursion guard of init()
+    bool initialised = false;                 // the fields are read, even when there are none
 
     StructRec(const char* dictionary, StructBase& base, StructElem* prev, StructElem* parent, const char* name,
               const char* unit, const char* sizeText);

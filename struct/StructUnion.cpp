@@ -1,5 +1,7 @@
 #include "struct/StructUnion.h"
 
+#include <sys/stat.h>
+
 #include <cstring>
 
 #include "calc/CalcNode.h"
@@ -20,6 +22,17 @@ StructUnion::StructUnion(const char* switchText, const char* dictionary, StructE
     if (!parent) throw ErrorNoParent();
     try {
         Dictionary alternatives(*parent, dictionary);
+        struct stat file;
+        if (stat(alternatives.path().str(), &file) == 0) {
+            alternativesDevice = file.st_dev;
+            alternativesInode = file.st_ino;
+            for (StructElem* p = parent; p; p = p->parent) {
+                auto* outer = dynamic_cast<StructUnion*>(p);
+                if (outer && outer->alternativesDevice == alternativesDevice &&
+                    outer->alternativesInode == alternativesInode)
+                    throw "union \"" + elemName + "\" inside its own alternatives '" + alternatives.path() + "'";
+            }
+        }
         StructElem* marker = nullptr;
         while (StructElem* e = alternatives.processNext(nullptr, this, marker)) {
             choices << e;
@@ -27,6 +40,7 @@ StructUnion::StructUnion(const char* switchText, const char* dictionary, StructE
         }
         const String& word = alternatives.recordSize;
         if (!word.isEmpty() && word != "*") setSizeText(word);
+        sizeFixed = sizeText.length == 0 && this->size >= 0;
     } catch (...) {
         for (long i = 0; i < choices.count; ++i) delete choices.data[i];
         for (long i = 0; i < markers.count; ++i) delete markers.data[i];
@@ -160,7 +174,7 @@ void StructUnion::setSize() {
 
 StructArray* StructUnion::getSizeDep() {
     if (sizeDepKnown) return sizeDep;
-    if (sizeText.length > 0) return StructRefSize::getSizeDep();
+    if (sizeText.length > 0 || sizeFixed) return StructRefSize::getSizeDep();
     sizeDepKnown = true;
     getUnionSwitchRef();
     StructArray* d = switchRef->dependency();

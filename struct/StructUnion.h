@@ -32,6 +32,12 @@ public:
     StructElem* active = nullptr;          // the alternative in force
     zun::ObjAppendList<StructElem*> choices;   // the alternatives in dictionary order; owned
     zun::ObjAppendList<StructElem*> markers;   // offset markers among them; owned
+    // A number in the size column or in the header of the alternatives: the
+    // size holds whatever alternative is in force, and no array moves it.
+    bool sizeFixed = false;
+    // The file of the alternatives, by device and inode: a union inside
+    // its own alternatives, which are read at once, would never end.
+    unsigned long long alternativesDevice = 0, alternativesInode = 0;
 
     // Reads the dictionary of the alternatives at once; errors of the
     // dictionary stage are thrown as zun::String.

@@ -33,24 +33,24 @@ long TextFolder::put(const char* text, size_t n) {
     if (used + n > blockSize) {
         if (lastAt >= 0) {
             // The block goes: the text of the run is kept aside.
-            lastKept.assign(block + lastAt, lastLength);
+            lastKept.assign(block.get() + lastAt, lastLength);
             lastAt = -1;
         }
-        sink.write(block, used);
+        sink.write(block.get(), used);
         used = 0;
         if (n > blockSize) {
             sink.write(text, n);
             return -1;
         }
     }
-    copyBytes(block + used, text, n);
+    copyBytes(block.get() + used, text, n);
     used += n;
     return static_cast<long>(used - n);
 }
 
 bool TextFolder::sameAsLast(const char* text, size_t n) const {
     if (n != lastLength) return false;
-    const char* kept = lastAt >= 0 ? block + lastAt : lastKept.data();
+    const char* kept = lastAt >= 0 ? block.get() + lastAt : lastKept.data();
     for (size_t i = 0; i < n; ++i)
         if (kept[i] != text[i]) return false;
     return true;
@@ -88,10 +88,10 @@ void TextFolder::finish() {
     if (count > 1) writeCount();
     count = count > 0 ? 1 : 0;
     if (lastAt >= 0) {
-        lastKept.assign(block + lastAt, lastLength);
+        lastKept.assign(block.get() + lastAt, lastLength);
         lastAt = -1;
     }
-    if (used > 0) sink.write(block, used);
+    if (used > 0) sink.write(block.get(), used);
     used = 0;
 }
 

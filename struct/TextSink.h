@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "base/String.h"
@@ -73,9 +74,10 @@ private:
     long count = 0;  // elements of the current run; 0 before the first
     bool keyed = false;
     uint64_t lastKey = 0;
-    // Texts wait here and go to the sink in blocks.
+    // Texts wait here and go to the sink in blocks. The block is on the
+    // heap: arrays nest as deep as records do, each level with its folder.
     static const size_t blockSize = 1 << 16;
-    char block[blockSize];
+    std::unique_ptr<char[]> block{new char[blockSize]};
     size_t used = 0;
 
     // Appends text to the block; where it stands there, or -1 when it was

@@ -58,7 +58,19 @@ TEST(CalcVector, LeavesTheBinderListWhenDestroyed) {
     // The vector goes with the branch that the constant condition drops; the
     // parser must not ask it for symbols afterwards.
     auto p = parse("1 ? 2 : vector(2)[1,2]", &b);
-    EXPECT_EQ(p->binders.size(), 1);
+    EXPECT_EQ(p->vectorBinders().size(), 0);
     EXPECT_EQ(p->bindSymbol("$0"), nullptr);
-    EXPECT_EQ(parse("vector(2)[1,2]", &b)->binders.size(), 2);
+    auto q = parse("vector(2)[1,2]", &b);
+    EXPECT_EQ(q->binders.size(), 2) << "the vectors follow the binder given";
+    EXPECT_EQ(q->vectorBinders().size(), 1);
+    EXPECT_EQ(parse("", &b)->binders.size(), 1) << "no vector, no entry";
+}
+
+TEST(CalcVector, AssignedVectorsLeaveTheParsersVectors) {
+    auto p = parse("a = vector(2)[1,2]; b = vector(3)[$1]; vector(2,2)[0]");
+    EXPECT_EQ(p->vectorBinders().size(), 1) << "only the vector of the statement under way still answers";
+    auto q = parse("a = vector(2)[1,2] + 0; vector(2,2)[0]");
+    EXPECT_EQ(q->vectorBinders().size(), 1) << "a vector inside an expression ends with its statement";
+    // Elements that make vectors enter them too, one per element.
+    EXPECT_EQ(parse("vector(50)[vector(1,2)[0]]")->vectorBinders().size(), 51);
 }

@@ -336,4 +336,22 @@ TEST_F(Hostile, ASizeStatementWithAVectorThatReadsItself) {
                 "0> s = ");
 }
 
+TEST_F(Hostile, ArraysOfARecordThatHoldsItselfPrintToTheDepthLimit) {
+    // A record of fixed size that is an array of itself: printing it walks
+    // down to the nesting limit without reading a byte, an array text
+    // inside the other at each level.
+    write("d.bin", "abcdef");
+    write("t.dd", "t|||\na|@s|||\nc|UChar|||\n");
+    write("s.dd", "s||4|\na|@s|||3\n");
+    for (const char* mode : {"-a", "-x"}) {
+        SCOPED_TRACE(mode);
+        testsupport::Result r = run({"d.bin", "-d=t", mode});
+        EXPECT_EQ(r.out.substr(0, 15), "0> a.a.0 (s) = ");
+        EXPECT_EQ(r.err.substr(0, 84), "ERROR-VEXA008 reference recursion : reference recursion from structure "
+                                       "[a.a.0.a.0.a.");
+        EXPECT_NE(r.err.find("] (structure nested too deep)\n"), std::string::npos);
+        EXPECT_EQ(r.status, 1);
+    }
+}
+
 }  // namespace
