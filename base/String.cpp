@@ -1,5 +1,6 @@
 #include "base/String.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <climits>
@@ -371,7 +372,18 @@ String& String::pad(int width, const char* fill) {
     int lf = static_cast<int>(std::strlen(fill));
     char* padAt = width > 0 ? out : out + length;
     if (text) std::memcpy(width > 0 ? out + n : out, text, length);
-    for (int i = 0; i < n; ++i) padAt[i] = fill[i % lf];
+    // The fill repeated: its first copy, then the filled part doubled.
+    if (lf == 1) {
+        std::memset(padAt, fill[0], static_cast<size_t>(n));
+    } else {
+        int done = std::min(lf, n);
+        std::memcpy(padAt, fill, static_cast<size_t>(done));
+        while (done < n) {
+            int more = std::min(done, n - done);
+            std::memcpy(padAt + done, padAt, static_cast<size_t>(more));
+            done += more;
+        }
+    }
     delete[] text;
     text = out;
     length = target;

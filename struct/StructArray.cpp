@@ -144,6 +144,9 @@ StructElem* StructArrayBase::search(const char* text) {
     }
     for (long i = 0; n < 0 || i < n; ++i) {
         getElement(i);  // an unbound array ends the search with the overflow
+        // Past the end of the data nothing more is found, even by a field of
+        // no size that reads the same empty text all along a huge count.
+        if (element->startsBeyondData()) break;
         if (matches()) return element;
     }
     throw ErrorArrayIndexInvalid(getPathName().str(), text);

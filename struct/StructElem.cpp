@@ -324,6 +324,15 @@ void StructElem::checkExtent(long n) {
     if (in->peek() < 0) readFailed(*in);
 }
 
+bool StructElem::startsBeyondData() {
+    long pos = getPos();
+    if (pos <= 0) return pos < 0;
+    zun::InputStream* in = getBase()->input;
+    if (!in->isFifo()) return pos > in->size();
+    in->seek(pos - 1, std::ios::beg);
+    return in->peek() < 0;
+}
+
 char* StructElem::readData() {
     long n = getSize();
     if (n < 0) n = 0;

@@ -262,6 +262,9 @@ public:
     // error when a seekable input ends before them, so that a size gone wrong
     // ends in that error instead of a huge allocation.
     void checkExtent(long n);
+    // Whether the element starts past the end of the data (at the end is in
+    // it: a field of no size may stand there). A pipe is read up to there.
+    bool startsBeyondData();
     // The error of a read that failed or ran past the end of the input.
     [[noreturn]] void readFailed(zun::InputStream& in);
 

@@ -122,6 +122,7 @@ TEST(String, Formatting) {
     EXPECT_EQ(v(mixed.toUppercase()), "ABC1");
     expectRows({{String("ab").pad(5), "   ab"}, {String("ab").pad(-5, "*"), "ab***"}, {String("ab").pad(6, "xy"), "xyxyab"},
                 {String("abcdef").pad(3), "abcdef"}, {String("abc").pad(-3), "abc"},
+                {String("a").pad(-12, "xyz"), "axyzxyzxyzxy"}, {String("a").pad(3, "wxyz"), "wxa"}, {String("").pad(-2, "xyz"), "xy"},
                 {String("x").quote('"'), "\"x\""}, {String("x").quote('['), "[x]"}, {String("x").quote('{'), "{x}"},
                 {String("x").quote('('), "(x)"}, {String(nullptr).quote('\''), "''"},
                 {c.escape(true), "a\\\\b\\n\\t\\r\\d001\\d127"}, {p.escape(false), "a\\\\b\n\t\r\\d001\\d127"},
