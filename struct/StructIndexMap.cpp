@@ -282,12 +282,20 @@ void StructInverseMap::build() {
     ObjAppendList<String> words = splitList(fieldList.str());
     for (long i = 0; i < words.count; ++i) {
         const String& word = words[i];
+        ArrayReader* reader = &r;
+        String column = word;
         if (word.match("*+*")) {
             int plus = word.find('+');
             String name = plus > 0 ? word.substr(0, plus - 1) : String("");
-            add(inner, std::make_unique<ArrayReader>(r, name.str())) << word.substr(plus + 1).str();
-        } else {
-            r << word.str();
+            reader = &add(inner, std::make_unique<ArrayReader>(r, name.str()));
+            column = word.substr(plus + 1);
+        }
+        long before = reader->columns.count;
+        *reader << column.str();
+        // A column that names nothing would leave the map silently short.
+        if (reader->columns.count == before) {
+            String text = "InverseMap column " + quoted(word) + " names no field";
+            throw ErrorDictionary(getDictionaryPath().str(), text.str());
         }
     }
     if (words.count == 0) r << nullptr;
