@@ -77,21 +77,30 @@ void StructIndexMap::init() {
     mapDirty = 0;
     map.flush(true);
     String path = getPathName();  // where the map stands before the build moves anything
+    // After a failure the map is empty and stale: the next request meets the same error.
+    auto forget = [this] {
+        building = false;
+        map.flush(true);
+        mapDirty = 1;
+    };
+    auto failure = [&](const zun::Exception& cause) {
+        forget();
+        String text = "error while initialising IndexMap " + quoted(path);
+        ErrorDictionary error(getDictionaryPath().str(), text.str());
+        error.chain(cause);
+        return error;
+    };
     building = true;
     try {
         build();
     } catch (zun::Exception& e) {
-        building = false;
-        map.flush(true);
-        mapDirty = 1;  // the next request meets the same error
-        String text = "error while initialising IndexMap " + quoted(path);
-        ErrorDictionary error(getDictionaryPath().str(), text.str());
-        error.chain(e);
-        throw error;
+        throw failure(e);
+    } catch (zun::String& text) {
+        // A failure of the dictionary stage met on the way (an element made
+        // while the arrays are read): an error of this map like the others.
+        throw failure(ErrorDictionary(getDictionaryPath().str(), text.str()));
     } catch (...) {
-        building = false;
-        map.flush(true);
-        mapDirty = 1;
+        forget();
         throw;
     }
     building = false;
