@@ -18,16 +18,14 @@
 #include "struct/StructBase.h"
 #include "struct/TextSink.h"
 
+#include "ScratchFolder.h"
+
 namespace {
 
 // The files of the benchmarks, written once into a scratch folder.
-class Files {
+class Files : public ScratchFolder {
 public:
-    std::string dir;
-
     Files() {
-        char pattern[] = "/tmp/skelvor-bench.XXXXXX";
-        dir = mkdtemp(pattern);
         write("rec.dd",
               "rec|one 16-byte record||\nid|ULong||4|\nvalue|Double|||\nflags|UShort|||\npad|UShort|||\n"
               "~twice|Double||value * 2\n");
@@ -37,18 +35,6 @@ public:
         write("floats.dd", "floats|float32 values filling the file||LITTLE-ENDIAN\nx|Float|||#filesize / 4\n");
         write("var.dd", "var|records of variable size||LITTLE-ENDIAN\nitems|@item|||inf\n");
         write("item.dd", "item|a length and that many bytes||\nlen|UChar|||\ntext|String||len|\n");
-    }
-    ~Files() {
-        std::string command = "rm -rf '" + dir + "'";
-        if (std::system(command.c_str()) != 0) std::fprintf(stderr, "could not remove %s\n", dir.c_str());
-    }
-
-    std::string path(const std::string& name) const { return dir + "/" + name; }
-
-    void write(const std::string& name, const std::string& bytes) const {
-        FILE* f = std::fopen(path(name).c_str(), "wb");
-        std::fwrite(bytes.data(), 1, bytes.size(), f);
-        std::fclose(f);
     }
 
     // The demo table of n records: a header "DEMO" and the count, then

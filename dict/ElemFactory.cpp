@@ -12,6 +12,7 @@
 #include "struct/StructBase.h"
 #include "struct/StructDate.h"
 #include "struct/StructElem.h"
+#include "struct/StructIndexMap.h"
 #include "struct/StructNum.h"
 #include "struct/StructRec.h"
 #include "struct/StructSpare.h"
@@ -210,11 +211,33 @@ const TypeRow* rowForWord(const String& word) {
     return nullptr;
 }
 
-// The words a virtual line may carry behind "~" that make no value field:
-// index maps, auxiliary fields and links.
-bool otherVirtualType(const String& word) {
-    return word == "SelectMap" || word == "InverseMap" || word == "Auxiliary" || word.match("Auxiliary/*") ||
-           word[0] == '@';
+// Index maps: the unit column holds the array references, the statement
+// column the selection (or the columns to invert).
+template <class C>
+StructElem* indexMap(const FieldLine& line, StructElem* prev, StructElem* parent, long) {
+    return new C(prev, parent, line.name.str(), line.unit.str(), line.size.str());
+}
+
+// The words a virtual line may carry behind "~" that make no value field,
+// by pattern (String::match), and their makers; null for the kinds this
+// build does not support.
+struct VirtualRow {
+    const char* words;
+    Maker make;
+};
+
+constexpr VirtualRow otherVirtual[] = {
+    {"SelectMap", indexMap<StructSelectMap>},
+    {"InverseMap", indexMap<StructInverseMap>},
+    {"Auxiliary", nullptr},
+    {"Auxiliary/*", nullptr},
+    {"@*", nullptr},
+};
+
+const VirtualRow* otherVirtualRow(const String& word) {
+    for (const VirtualRow& row : otherVirtual)
+        if (word.match(row.words)) return &row;
+    return nullptr;
 }
 
 }  // namespace
@@ -259,7 +282,10 @@ StructElem* StructElem::createChild(StructElem* prev, const FieldLine& line) {
         String word = type.substr(1);
         const TypeRow* row = rowOf(elemType(word.str()));
         if (row && row->computed) return row->computed(line, prev, this, -1);
-        if (otherVirtualType(word)) throw String("unsupported virtual field ") + quoted(line.name);
+        if (const VirtualRow* other = otherVirtualRow(word)) {
+            if (other->make) return other->make(line, prev, this, -1);
+            throw String("unsupported virtual field ") + quoted(line.name);
+        }
         throw String("unknown virtual field type ") + quoted(word);
     }
 

@@ -68,33 +68,41 @@ long copyBytes(const RawBuffer& bytes, char* buffer, long max) {
 }  // namespace
 
 template <class T>
-void StructCalcNum<T>::appendValue(RawBuffer& buffer) {
+void StructVirtualNum<T>::appendValue(RawBuffer& buffer) {
     T v;
     read(v);
     buffer.append(sizeof v, reinterpret_cast<const char*>(&v));
 }
 
 template <class T>
-RawBuffer& StructCalcNum<T>::readBuf(RawBuffer& buffer, int append) {
+RawBuffer& StructVirtualNum<T>::readBuf(RawBuffer& buffer, int append) {
     appendValue(startBuffer(buffer, append));
     return buffer;
 }
 
 template <class T>
-long StructCalcNum<T>::readCPtr(char* buffer, long max) {
+long StructVirtualNum<T>::readCPtr(char* buffer, long max) {
     RawBuffer bytes;
     readBuf(bytes, 1);
     return copyBytes(bytes, buffer, max);
 }
 
 template <class T>
-String StructCalcNum<T>::readHex(bool) {
+String StructVirtualNum<T>::readHex(bool) {
     RawBuffer bytes;
     readBuf(bytes, 1);
     if (this->getBase()->input->swapped() && bytes.count > 1) zun::InputStream::reverseBytes(bytes.data, bytes.count);
     return bytes.hex();
 }
 
+template class StructVirtualNum<short>;
+template class StructVirtualNum<unsigned short>;
+template class StructVirtualNum<long>;
+template class StructVirtualNum<unsigned long>;
+template class StructVirtualNum<long long>;
+template class StructVirtualNum<unsigned long long>;
+template class StructVirtualNum<float>;
+template class StructVirtualNum<double>;
 template class StructCalcNum<short>;
 template class StructCalcNum<unsigned short>;
 template class StructCalcNum<long>;

@@ -20,19 +20,17 @@ namespace vexa {
 template <class T>
 T fromStatement(double v);
 
+// A number that takes no room in the file: its value comes from elsewhere
+// (a statement, an index map). Its bytes, for -b and -x, are those of the
+// value as the machine holds it.
 template <class T>
-class StructCalcNum : public StructNum<T> {
+class StructVirtualNum : public StructNum<T> {
 public:
-    Calc calc;
-
-    StructCalcNum(StructElem* prev, StructElem* parent, const char* name, const char* unit, const char* statement)
-        : StructNum<T>(prev, parent, name, unit, 0), calc(statement, *this) {}
+    StructVirtualNum(StructElem* prev, StructElem* parent, const char* name, const char* unit)
+        : StructNum<T>(prev, parent, name, unit, 0) {}
 
     bool isVirtual() const override { return true; }
-    T& read(T& v) override {
-        v = fromStatement<T>(calc.valNum());
-        return v;
-    }
+    T& read(T& v) override = 0;
     // The value's bytes in the machine's order.
     zun::RawBuffer& readBuf(zun::RawBuffer& buffer, int append) override;
     // The bytes copied, at most max; not the size.
@@ -42,11 +40,34 @@ public:
     // Nothing lies in the file: no run to read.
     bool canReadRun() const override { return false; }
     bool writeRunTexts(TextFolder&, long) override { return false; }
-    virtual StructElem* whoami() { return this; }
 
 protected:
     // The bytes of the value: sizeof(T), or one for the character classes.
     virtual void appendValue(zun::RawBuffer& buffer);
+};
+
+extern template class StructVirtualNum<short>;
+extern template class StructVirtualNum<unsigned short>;
+extern template class StructVirtualNum<long>;
+extern template class StructVirtualNum<unsigned long>;
+extern template class StructVirtualNum<long long>;
+extern template class StructVirtualNum<unsigned long long>;
+extern template class StructVirtualNum<float>;
+extern template class StructVirtualNum<double>;
+
+template <class T>
+class StructCalcNum : public StructVirtualNum<T> {
+public:
+    Calc calc;
+
+    StructCalcNum(StructElem* prev, StructElem* parent, const char* name, const char* unit, const char* statement)
+        : StructVirtualNum<T>(prev, parent, name, unit), calc(statement, *this) {}
+
+    T& read(T& v) override {
+        v = fromStatement<T>(calc.valNum());
+        return v;
+    }
+    virtual StructElem* whoami() { return this; }
 };
 
 extern template class StructCalcNum<short>;

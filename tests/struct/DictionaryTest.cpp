@@ -72,7 +72,10 @@ TEST_F(Reader, FieldNamesAndPaths) {
 TEST_F(Reader, LinesAndTheFactory) {
     const char* rows[][2] = {
         {"a|UChar|||", "made UChar"}, {" ~x|UChar|||", "made UChar"}, {"a|UChar|||1", "made UChar"},
-        {"~a|UChar", "made UChar"}, {"~a|SelectMap||x", "unsupported virtual field \"a\""}, {"~a|Bogus||1", "unknown virtual field type \"Bogus\""},
+        {"~a|UChar", "made UChar"}, {"~a|SelectMap||x", "SelectMap array reference list is invalid \"\""},
+        {"~a|SelectMap|r|x", "made (*SLong)"}, {"~a|SelectMap|r, s,t|x", "made (*(3*SLong))"},
+        {"~a|SelectMap|r,,s|x", "made (*SLong)"}, {"~a|InverseMap|r|x", "made (*SLong)"},
+        {"~a|Auxiliary||x", "unsupported virtual field \"a\""}, {"~a|Bogus||1", "unknown virtual field type \"Bogus\""},
         {"~a b|UChar||1", "invalid field name \"a b\""},
         {"a|UChar|||1+0", "made (1*UChar)"}, {"a|UChar|||   ", "dimension reference \" \" of structure \"a\" returns nan"},
         {"a|UChar|||4", "made (4*UChar)"}, {"~a|UChar||1|3", "made (3*UChar)"}, {"~a|aUChar||1", "unknown virtual field type \"aUChar\""},
