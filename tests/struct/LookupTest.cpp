@@ -79,14 +79,22 @@ protected:
     void expectValues(std::initializer_list<Case> cases, const char* from = "") {
         for (const Case& c : cases) EXPECT_EQ(value(c.statement, from), c.expected) << c.statement;
     }
+    // Statements over the numbers `values`, each on a file of its own.
+    struct NumbersCase {
+        const char *values, *statement, *expected;
+    };
+    void expectOnNumbers(std::initializer_list<NumbersCase> cases) {
+        for (const NumbersCase& c : cases) {
+            numbers(c.values);
+            EXPECT_EQ(value(c.statement), c.expected) << c.statement << " on " << c.values;
+        }
+    }
 };
 
 }  // namespace
 
 TEST_F(Lookups, SearchesOfNumbers) {
-    const struct {
-        const char *values, *statement, *row;
-    } rows[] = {
+    expectOnNumbers({
         // the first row equal; none
         {"1 7 7", "alookup(7, a)", "1"},
         {"1 3 9", "alookup(4, a)", "-1"},
@@ -129,11 +137,7 @@ TEST_F(Lookups, SearchesOfNumbers) {
         {"4 4 4", "amaxlookup(3, a)", "0"},
         {"4 4 4", "aminlookup(5, a)", "2"},
         {"4 4 4", "amaxlookup(5, a)", "-1"},
-    };
-    for (const auto& r : rows) {
-        numbers(r.values);
-        EXPECT_EQ(value(r.statement), r.row) << r.statement << " on " << r.values;
-    }
+    });
 }
 
 TEST_F(Lookups, RunsOfEqualValues) {
@@ -185,9 +189,7 @@ TEST_F(Lookups, RunsOfEqualValues) {
 TEST_F(Lookups, NotANumber) {
     // NaN equals nothing and is neither below nor above anything: the
     // comparisons that would move on all fail.
-    const struct {
-        const char *values, *statement, *row;
-    } rows[] = {
+    expectOnNumbers({
         {"1 3 9", "alookup(nan, a)", "-1"},
         {"1 3 9", "aminlookup(nan, a)", "0"},
         {"1 3 9", "amaxlookup(nan, a)", "1"},
@@ -199,11 +201,7 @@ TEST_F(Lookups, NotANumber) {
         {"1 nan 9", "alookup(nan, a)", "-1"},
         {"nan 1 2", "aminlookup(1, a)", "1"},
         {"1 nan 9", "a@lookup(nan)", "-1"},
-    };
-    for (const auto& r : rows) {
-        numbers(r.values);
-        EXPECT_EQ(value(r.statement), r.row) << r.statement << " on " << r.values;
-    }
+    });
 }
 
 TEST_F(Lookups, TextsAndFieldsOfRecords) {
