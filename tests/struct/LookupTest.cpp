@@ -322,6 +322,11 @@ TEST_F(Lookups, StatementsAndValidFilters) {
         {"recs@minlookup(1, \"valid=0; k\")", "-1"},
         {"recs@minlookup(1, \"valid=k>1; k\")", "-1"},
         {"recs@maxlookup(1, \"valid=k>1; k\")", "1"},
+        // the first value that counts runs to the end of the array: at or
+        // below answers the last row of the array, counting or not
+        {"recs@minlookup(1, \"valid=k<2; k\")", "3"},
+        {"recs@maxlookup(1, \"valid=k<2; k\")", "0"},
+        {"recs@minlookup(2, \"valid=k<2; k\")", "0"},
         // rows that don't count neither start nor end a run
         {"recs@minlookup(\"bob\", \"valid=k!=1; name\")", "2"},
         {"recs@maxlookup(\"bob\", \"valid=k!=1; name\")", "1"},
