@@ -14,7 +14,7 @@
 #include "struct/StructBase.h"
 #include "struct/StructIndexMap.h"
 
-#include "ScratchFolder.h"
+#include "bench/ScratchFolder.h"
 
 namespace {
 

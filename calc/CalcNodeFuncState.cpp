@@ -281,7 +281,12 @@ CalcNodeExec::~CalcNodeExec() {
 CalcParser* CalcNodeExec::compile() {
     if (!parser) {
         std::unique_ptr<CalcParser> compiled(binder ? new CalcParser(*binder) : new CalcParser());
-        compiled->init(text.str(), false);
+        try {
+            compiled->init(text.str(), false);
+        } catch (String& refused) {
+            // A node that refused its arguments while it was bound.
+            throw CalcError(refused.str());
+        }
         parser = compiled.release();
     }
     return parser;

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "base/Exception.h"
+#include "calc/CalcError.h"
 #include "calc/CalcNode.h"
 #include "calc/CalcParser.h"
 #include "struct/Error.h"
@@ -87,45 +88,62 @@ void Calc::init_statement() {
     Running running(*this);
     Places places(owner);
     try {
-        std::unique_ptr<CalcNode> parsed(
-            new zun::CalcParser(statement.str(), bound->getCalcBinder(nullptr, nullptr), false));
-        if (role == Virtual) {
-            // A statement that names the field it defines would read itself.
-            std::list<CalcNode*> self;
-            if (parsed->listNodes(self, "#", nullptr, true) > 0) {
-                String reason = "virtual field statement is (" + statement + ")";
-                throw ErrorReferenceRecursion(owner.getPathName().str(), reason.str());
-            }
-        }
-        // A fold reads the fields of a constant statement, and may fail.
-        CalcNode* folded = parsed->reduce();
-        if (folded && folded != parsed.get()) parsed.reset(folded);
-        if (role == Virtual) {
-            parsed.reset(new zun::CalcNodeMem("", parsed.release()));
-            node = parsed.release();
-            registerCell(dirty);
-        } else {
-            node = parsed.release();
-        }
+        parseStatement();
         places.restore();
+    } catch (String& refused) {
+        // A node that refuses its arguments while it is bound (the array
+        // functions) says why in a bare text: an error of the statement.
+        zun::CalcError error(refused.str());
+        if (!wrapsParseErrors()) throw error;
+        throwParseError(error);
     } catch (zun::Exception& e) {
-        String text;
-        switch (role) {
-        case Virtual:
-            text = "virtual field " + quoted(owner.elemName) + " is invalid";
-            break;
-        case Size:
-            text = "invalid size statement for field " + quoted(owner.getPathName());
-            break;
-        case Switch:
-            text = "invalid union switch for field " + quoted(owner.getPathName());
-            break;
-        default:
-            throw;
+        if (!wrapsParseErrors()) throw;
+        throwParseError(e);
+    }
+}
+
+bool Calc::wrapsParseErrors() const {
+    return role == Virtual || role == Size || role == Switch;
+}
+
+void Calc::throwParseError(const zun::Exception& cause) {
+    String text;
+    switch (role) {
+    case Virtual:
+        text = "virtual field " + quoted(owner.elemName) + " is invalid";
+        break;
+    case Size:
+        text = "invalid size statement for field " + quoted(owner.getPathName());
+        break;
+    default:
+        text = "invalid union switch for field " + quoted(owner.getPathName());
+        break;
+    }
+    ErrorDictionary error(owner.getDictionaryPath().str(), text.str());
+    error.chain(cause);
+    throw error;
+}
+
+void Calc::parseStatement() {
+    std::unique_ptr<CalcNode> parsed(
+        new zun::CalcParser(statement.str(), bound->getCalcBinder(nullptr, nullptr), false));
+    if (role == Virtual) {
+        // A statement that names the field it defines would read itself.
+        std::list<CalcNode*> self;
+        if (parsed->listNodes(self, "#", nullptr, true) > 0) {
+            String reason = "virtual field statement is (" + statement + ")";
+            throw ErrorReferenceRecursion(owner.getPathName().str(), reason.str());
         }
-        ErrorDictionary error(owner.getDictionaryPath().str(), text.str());
-        error.chain(e);
-        throw error;
+    }
+    // A fold reads the fields of a constant statement, and may fail.
+    CalcNode* folded = parsed->reduce();
+    if (folded && folded != parsed.get()) parsed.reset(folded);
+    if (role == Virtual) {
+        parsed.reset(new zun::CalcNodeMem("", parsed.release()));
+        node = parsed.release();
+        registerCell(dirty);
+    } else {
+        node = parsed.release();
     }
 }
 

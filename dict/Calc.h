@@ -25,6 +25,7 @@
 
 namespace zun {
 class CalcNode;
+class Exception;
 }
 
 namespace vexa {
@@ -89,7 +90,12 @@ private:
         Calc& calc;
     };
 
+    // Parses, with the error policy of the role.
     void init_statement();
+    void parseStatement();
+    // Whether a parse failure is wrapped in a dictionary error naming the field.
+    bool wrapsParseErrors() const;
+    [[noreturn]] void throwParseError(const zun::Exception& cause);
     // A run of the statement with the virtual field's error policy.
     template <class F>
     auto evaluate(F get) -> decltype(get());

@@ -3,6 +3,8 @@
 #include <cstring>
 #include <memory>
 
+#include "dict/CalcNodeFuncArrayIndex.h"
+#include "dict/CalcNodeFuncArrayLookup.h"
 #include "dict/CalcNodeRef.h"
 
 #include "struct/Error.h"
@@ -62,9 +64,20 @@ zun::CalcIterator* CalcBinder::bindIterator(int level) {
     return new CalcArrayIterator(level, alias.target);
 }
 
-zun::CalcNode* CalcBinder::bindFunction(const char* /*name*/, zun::ObjAppendListP<zun::CalcNode>* /*args*/) {
-    // The array functions (aread and the lookups) are not available: the
-    // parser goes on to its own table and reports them as unknown.
+zun::CalcNode* CalcBinder::bindFunction(const char* name, zun::ObjAppendListP<zun::CalcNode>* args) {
+    if (!name) return nullptr;
+    if (functionPrefix.length > 0) {
+        if (std::strncmp(name, functionPrefix.str(), functionPrefix.length) != 0) return nullptr;
+        name += functionPrefix.length;
+    }
+    // The array functions; any other name goes on to the parser's own table.
+    if (std::strcmp(name, "aread") == 0) return new CalcNodeFuncArrayIndex(name, args);
+    static const struct {
+        const char* name;
+        char mode;
+    } lookups[] = {{"alookup", '='}, {"aminlookup", '-'}, {"amaxlookup", '+'}};
+    for (const auto& l : lookups)
+        if (std::strcmp(name, l.name) == 0) return new CalcNodeFuncArrayLookup(name, args, l.mode);
     return nullptr;
 }
 

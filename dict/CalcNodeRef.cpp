@@ -6,6 +6,7 @@
 #include "base/String.h"
 #include "calc/CalcError.h"
 #include "calc/CalcNodeFuncState.h"
+#include "dict/CalcNodeRefArrayLookup.h"
 #include "input/FileUtils.h"
 #include "input/InputStream.h"
 #include "struct/StructBase.h"
@@ -108,14 +109,22 @@ CalcNode* CalcNodeRef::method(const char* name, Args* args, zun::CalcNodeMem* vi
     }
     if (!via && same(name, "exec")) return methodExec(name, args);
     if (!alias->resolve()->isAnArray()) return nullptr;
-    // The searches of an array by value ("lookup", "minlookup", "maxlookup")
-    // are not available: they answer null like any unknown method.
-    if (!same(name, "operator::[]")) return nullptr;
-    if (!via) return new CalcNodeRefArrayIndex(name, this, args);
-    std::unique_ptr<CalcNode> link(new zun::CalcNodeLink(this));
-    CalcNode* answer = new CalcNodeRefArrayIndex(name, link.get(), args);
-    link.release();
-    return answer;
+    // The subscript, and the searches of the array by value.
+    static const struct {
+        const char* name;
+        char mode;   // 0: the subscript
+    } arrayMethods[] = {{"operator::[]", 0}, {"lookup", '='}, {"minlookup", '-'}, {"maxlookup", '+'}};
+    for (const auto& m : arrayMethods) {
+        if (!same(name, m.name)) continue;
+        // Asked through a variable, the method holds a link to the reference.
+        std::unique_ptr<CalcNode> link(via ? new zun::CalcNodeLink(this) : nullptr);
+        CalcNode* receiver = via ? link.get() : this;
+        CalcNode* answer = m.mode ? static_cast<CalcNode*>(new CalcNodeRefArrayLookup(name, receiver, args, m.mode))
+                                  : new CalcNodeRefArrayIndex(name, receiver, args);
+        link.release();
+        return answer;
+    }
+    return nullptr;
 }
 
 void CalcNodeRef::methodChild(Args* args) {

@@ -46,6 +46,19 @@ StructArrayBase::~StructArrayBase() {
 }
 
 void StructArrayBase::nameElement() {
+    String& name = element->elemName;
+    // One step on, as walks go: the digits count up in place, unless the
+    // carry runs through all of them and the name grows.
+    if (namedIndex >= 0 && activeIndex == namedIndex + 1 && name.text && name.length > 0) {
+        namedIndex = activeIndex;
+        int i = name.length - 1;
+        while (i >= 0 && name.text[i] == '9') name.text[i--] = '0';
+        if (i >= 0) {
+            ++name.text[i];
+            return;
+        }
+    }
+    namedIndex = activeIndex;
     char text[24];
     char* end = text + sizeof text;
     char* p = end;
@@ -55,7 +68,6 @@ void StructArrayBase::nameElement() {
         v /= 10;
     } while (v);
     int n = static_cast<int>(end - p);
-    String& name = element->elemName;
     // The name has the length of the last index mostly: written over in place.
     if (name.length == n && name.text) std::memcpy(name.text, p, static_cast<size_t>(n));
     else name = String(p, n);

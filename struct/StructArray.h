@@ -112,6 +112,7 @@ public:
 protected:
     // Gives the element the name of the index it stands on.
     void nameElement();
+    long namedIndex = -1;   // the index the element's name gives; -1 none yet
     // Element by element over the whole array (through the inner arrays of a
     // chain); `each` reads the element at hand. False when there is nothing.
     template <class F>

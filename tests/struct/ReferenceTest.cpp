@@ -242,14 +242,11 @@ TEST_F(References, WhatBelongsToArraysAndLookups) {
         // a subscript of a field that is no array: a number can't be indexed
         {"len[0]", "CALC002 invalid operator : (operator::[]) in statement (len >>> [0] <<< )"},
         {"hdr[0]", "CALC002 invalid operator : (operator::[]) in statement (hdr >>> [0] <<< )"},
-        // the searches of arrays by value are not available
+        // the searches by value are methods of arrays only
         {"hdr@lookup(1)", "CALC015 unsupported method : \"lookup\""},
         {"hdr@minlookup(1)", "CALC015 unsupported method : \"minlookup\""},
         {"hdr@maxlookup(1)", "CALC015 unsupported method : \"maxlookup\""},
-        {"aread(hdr, 1)", "CALC008 function unknown : \"aread\""},
-        {"alookup(hdr, 1)", "CALC008 function unknown : \"alookup\""},
-        {"aminlookup(hdr, 1)", "CALC008 function unknown : \"aminlookup\""},
-        {"amaxlookup(hdr, 1)", "CALC008 function unknown : \"amaxlookup\""},
+        {"len@lookup(1)", "CALC015 unsupported method : \"lookup\""},
     });
     // the subscript of a text field is its substring
     EXPECT_EQ(value("len", "text[1]"), "\"bc\"");
@@ -286,6 +283,7 @@ TEST_F(ArrayReferences, Subscripts) {
         {"items[2] text@pos", "13"},
         {"items[2]@child(\"text\")", "\"def\""},
         {"v = vals; v[1] * 10", "20"},     // through a variable
+        {"v = vals; v@lookup(3)", "2"},
         {"vals@dim + items@dim", "6"},
         {"tail@dim", "3"},                 // an unbound array walks to its end
         {"vals@type", "\"(3*UShort)\""},
@@ -297,7 +295,6 @@ TEST_F(ArrayReferences, Subscripts) {
         {"vals[3]", "VEXA011 array index overflow : array [vals]"},
         {"vals[\"x\"]", "VEXA010 invalid array index : array [vals] index [x] is invalid"},
         {"items[\"len=9\"] len", "VEXA010 invalid array index : array [items] index [len=9] is invalid"},
-        {"v = vals; v@lookup(1)", "CALC015 unsupported method : \"lookup\""},
     });
 }
 
