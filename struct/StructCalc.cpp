@@ -95,22 +95,12 @@ String StructVirtualNum<T>::readHex(bool) {
     return bytes.hex();
 }
 
-template class StructVirtualNum<short>;
-template class StructVirtualNum<unsigned short>;
-template class StructVirtualNum<long>;
-template class StructVirtualNum<unsigned long>;
-template class StructVirtualNum<long long>;
-template class StructVirtualNum<unsigned long long>;
-template class StructVirtualNum<float>;
-template class StructVirtualNum<double>;
-template class StructCalcNum<short>;
-template class StructCalcNum<unsigned short>;
-template class StructCalcNum<long>;
-template class StructCalcNum<unsigned long>;
-template class StructCalcNum<long long>;
-template class StructCalcNum<unsigned long long>;
-template class StructCalcNum<float>;
-template class StructCalcNum<double>;
+#define VEXA_INSTANCE_STRUCTVIRTUALNUM(T) template class StructVirtualNum<T>;
+VEXA_EACH_NUMBER_TYPE(VEXA_INSTANCE_STRUCTVIRTUALNUM)
+#undef VEXA_INSTANCE_STRUCTVIRTUALNUM
+#define VEXA_INSTANCE_STRUCTCALCNUM(T) template class StructCalcNum<T>;
+VEXA_EACH_NUMBER_TYPE(VEXA_INSTANCE_STRUCTCALCNUM)
+#undef VEXA_INSTANCE_STRUCTCALCNUM
 
 unsigned short& StructCalcUChar::read(unsigned short& v) {
     v = static_cast<unsigned char>(readChar());

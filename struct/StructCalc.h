@@ -46,14 +46,9 @@ protected:
     virtual void appendValue(zun::RawBuffer& buffer);
 };
 
-extern template class StructVirtualNum<short>;
-extern template class StructVirtualNum<unsigned short>;
-extern template class StructVirtualNum<long>;
-extern template class StructVirtualNum<unsigned long>;
-extern template class StructVirtualNum<long long>;
-extern template class StructVirtualNum<unsigned long long>;
-extern template class StructVirtualNum<float>;
-extern template class StructVirtualNum<double>;
+#define VEXA_EXTERN_STRUCTVIRTUALNUM(T) extern template class StructVirtualNum<T>;
+VEXA_EACH_NUMBER_TYPE(VEXA_EXTERN_STRUCTVIRTUALNUM)
+#undef VEXA_EXTERN_STRUCTVIRTUALNUM
 
 template <class T>
 class StructCalcNum : public StructVirtualNum<T> {
@@ -70,14 +65,9 @@ public:
     virtual StructElem* whoami() { return this; }
 };
 
-extern template class StructCalcNum<short>;
-extern template class StructCalcNum<unsigned short>;
-extern template class StructCalcNum<long>;
-extern template class StructCalcNum<unsigned long>;
-extern template class StructCalcNum<long long>;
-extern template class StructCalcNum<unsigned long long>;
-extern template class StructCalcNum<float>;
-extern template class StructCalcNum<double>;
+#define VEXA_EXTERN_STRUCTCALCNUM(T) extern template class StructCalcNum<T>;
+VEXA_EACH_NUMBER_TYPE(VEXA_EXTERN_STRUCTCALCNUM)
+#undef VEXA_EXTERN_STRUCTCALCNUM
 
 #define VEXA_CALC_NUMBER(Class, T, Type)                      \
     class Class : public StructCalcNum<T> {                   \

@@ -265,14 +265,9 @@ bool StructNum<T>::writeRunTexts(TextFolder& folder, long n) {
     return true;
 }
 
-template class StructNum<short>;
-template class StructNum<unsigned short>;
-template class StructNum<long>;
-template class StructNum<unsigned long>;
-template class StructNum<long long>;
-template class StructNum<unsigned long long>;
-template class StructNum<float>;
-template class StructNum<double>;
+#define VEXA_INSTANCE_STRUCTNUM(T) template class StructNum<T>;
+VEXA_EACH_NUMBER_TYPE(VEXA_INSTANCE_STRUCTNUM)
+#undef VEXA_INSTANCE_STRUCTNUM
 
 short& StructNumSChar::read(short& v) {
     v = static_cast<signed char>(readChar());

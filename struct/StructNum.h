@@ -172,14 +172,13 @@ protected:
     }
 };
 
-extern template class StructNum<short>;
-extern template class StructNum<unsigned short>;
-extern template class StructNum<long>;
-extern template class StructNum<unsigned long>;
-extern template class StructNum<long long>;
-extern template class StructNum<unsigned long long>;
-extern template class StructNum<float>;
-extern template class StructNum<double>;
+// The number types of the tree's numeric classes, for their instantiations.
+#define VEXA_EACH_NUMBER_TYPE(M) \
+    M(short) M(unsigned short) M(long) M(unsigned long) M(long long) M(unsigned long long) M(float) M(double)
+
+#define VEXA_EXTERN_STRUCTNUM(T) extern template class StructNum<T>;
+VEXA_EACH_NUMBER_TYPE(VEXA_EXTERN_STRUCTNUM)
+#undef VEXA_EXTERN_STRUCTNUM
 
 class StructNumSShort : public StructNum<short> {
 public:
