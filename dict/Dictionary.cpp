@@ -35,13 +35,6 @@ bool statPath(const String& path, bool& isDirectory) {
     return true;
 }
 
-// Slots for extractColumns: `marked` lists the slots that allow "%" quoting.
-void prepareSlots(ObjAppendList<String>& columns, int count, std::initializer_list<int> marked) {
-    columns.flush(false);
-    for (int i = 0; i < count; ++i) columns << String("");
-    for (int i : marked) columns[i] = "%";
-}
-
 // A dictionary is read from a regular file: a named pipe or a device would
 // block or never end. A path that names nothing is left to the check that
 // reports a missing file.
@@ -133,13 +126,12 @@ void Dictionary::init(const char* given) {
     // header, which no text has. (In a later line it ends the line.)
     if (lineHoldsZero()) throw ErrorDictionary(path().str(), "header line with a zero byte (binary data)");
     closeOnFailure.release();
-    ObjAppendList<String> columns;
-    prepareSlots(columns, 4, {1, 2});
-    extractColumns(columns);
-    name = columns[0];
-    description = columns[1];
-    recordSize = columns[2];
-    codingStandard = columns[3];
+    String columns[4];
+    extractColumns(columns, 4, 1u << 1 | 1u << 2);
+    name = std::move(columns[0]);
+    description = std::move(columns[1]);
+    recordSize = std::move(columns[2]);
+    codingStandard = std::move(columns[3]);
     if (name.isEmpty()) name = path();
 }
 
@@ -164,18 +156,16 @@ void Dictionary::throwLineTooLong() const {
     throw ErrorDictionary(path().str(), text.str());
 }
 
-int Dictionary::extractColumns(ObjAppendList<String>& columns) const {
+int Dictionary::extractColumns(String* columns, int slots, unsigned quotable) const {
     const char* p = line;
     while (*p == ' ') ++p;
-    long slots = columns.count;
     int found = 0;
     if (*p) {
-        for (long i = 0; i < slots; ++i) {
-            bool marked = columns[i] == "%";
+        for (int i = 0; i < slots; ++i) {
             const char* start = p;
             const char* end;
             const char* next;
-            if (marked && *p == '%') {
+            if ((quotable >> i & 1u) && *p == '%') {
                 start = p + 1;
                 const char* close = std::strstr(start, "%|");
                 end = close ? close : start + std::strlen(start);
@@ -185,43 +175,47 @@ int Dictionary::extractColumns(ObjAppendList<String>& columns) const {
                 end = bar ? bar : p + std::strlen(p);
                 next = bar ? bar + 1 : end;
             }
-            String column(start, static_cast<int>(end - start));
-            column.trim(0);
-            if (column[0] == '*') column = "";
-            columns[i] = column;
+            // Trimmed of blanks and tabs as String::trim does (a column of
+            // nothing else keeps its first); one that begins with "*" is empty.
+            auto blank = [](char c) { return c == ' ' || c == '\t'; };
+            const char* first = start;
+            while (first < end && blank(*first)) ++first;
+            if (first == end) {
+                if (end > start) end = start + 1;
+            } else {
+                start = first;
+                while (end > start + 1 && blank(end[-1])) --end;
+            }
+            if (start < end && *start == '*') end = start;
+            columns[i] = String(start, static_cast<int>(end - start));
             ++found;
             if (!*next) break;
             p = next;
         }
     }
-    for (long i = found; i < slots; ++i) columns[i].setNull();
+    for (int i = found; i < slots; ++i) columns[i].setNull();
     return found;
 }
 
 StructElem* Dictionary::processNext(StructElem* prev, StructElem* parent, StructElem*& offsetElem) {
     offsetElem = nullptr;
-    ObjAppendList<String> columns;
     for (;;) {
         if (!readLine()) return nullptr;
         if (line[0] == '#') continue;
         const char* p = line;
         while (*p == ' ' || *p == '\t') ++p;
         if (!*p) continue;
-        prepareSlots(columns, 6, {3, 4, 5});
-        return makeElement(prev, parent, offsetElem, columns);
+        return makeElement(prev, parent, offsetElem);
     }
 }
 
-StructElem* Dictionary::makeElement(StructElem* prev, StructElem* parent, StructElem*& offsetElem,
-                                    ObjAppendList<String>& columns) {
-    int count = extractColumns(columns);
+StructElem* Dictionary::makeElement(StructElem* prev, StructElem* parent, StructElem*& offsetElem) {
     FieldLine field;
-    field.name = columns[0];
-    field.type = columns[1];
-    field.unit = columns[2];
-    field.size = columns[3];
-    field.dims = columns[4];
-    field.offset = columns[5];
+    String* columns[] = {&field.name, &field.type, &field.unit, &field.size, &field.dims, &field.offset};
+    String read[6];
+    // size, dims and offset may be quoted with "%...%|"
+    int count = extractColumns(read, 6, 1u << 3 | 1u << 4 | 1u << 5);
+    for (int i = 0; i < 6; ++i) *columns[i] = std::move(read[i]);
     std::unique_ptr<StructElem> marker;
     try {
         if (line[0] == '~') {

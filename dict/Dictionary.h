@@ -59,9 +59,10 @@ public:
     // file. An offset marker made for the element's line goes to offsetElem
     // (else null) and stands between prev and the element.
     StructElem* processNext(StructElem* prev, StructElem* parent, StructElem*& offsetElem);
-    // Splits the current line into the slots of columns; slots that hold "%"
-    // beforehand allow quoting. Returns the number of columns found.
-    int extractColumns(zun::ObjAppendList<zun::String>& columns) const;
+    // Splits the line into at most `slots` columns, trimmed; bit i of
+    // `quotable` lets column i be quoted as "%...%|". Columns past the
+    // last found are null. Answers the count found.
+    int extractColumns(zun::String* columns, int slots, unsigned quotable) const;
     // The path of the open file.
     zun::String path() const;
 
@@ -80,8 +81,7 @@ private:
     // Whether the line just read held a zero byte, where its text ends.
     bool lineHoldsZero() const;
     [[noreturn]] void throwLineTooLong() const;
-    StructElem* makeElement(StructElem* prev, StructElem* parent, StructElem*& offsetElem,
-                            zun::ObjAppendList<zun::String>& columns);
+    StructElem* makeElement(StructElem* prev, StructElem* parent, StructElem*& offsetElem);
 };
 
 }  // namespace vexa

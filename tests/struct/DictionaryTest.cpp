@@ -31,10 +31,9 @@ protected:
         dict("cols", "cols|||\n");
         Dictionary d(dictPath("cols").c_str());
         std::strcpy(d.line, lineText);
-        zun::ObjAppendList<String> cols;
-        for (int i = 0; i < 6; ++i) cols << String(i >= 3 ? "%" : "");
-        std::string out = std::to_string(d.extractColumns(cols)) + ":";
-        for (long i = 0; i < cols.count; ++i) out += cols[i].isNull() ? "~" : "[" + text(cols[i]) + "]";
+        String cols[6];
+        std::string out = std::to_string(d.extractColumns(cols, 6, 1u << 3 | 1u << 4 | 1u << 5)) + ":";
+        for (const String& col : cols) out += col.isNull() ? "~" : "[" + text(col) + "]";
         return out;
     }
 };
