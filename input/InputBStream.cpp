@@ -55,7 +55,7 @@ void InputBStream::initFile(unsigned long bufBytes, bool multi) {
     bool plainFile = false;
     if (!streamName.text || (!multi && FileUtils::checkFile(streamName.text))) {
         auto* file = new InputBasicFile(streamName.text, byteOrder);
-        file->unbuffered();
+        file->setReadBlocks();
         source = file;
         if (!streamName.text) streamName = "(stdin)";
         plainFile = true;

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <new>
 
 #include "base/Exception.h"
 
@@ -46,9 +47,13 @@ InputStream& InputBasicFile::seek(long offset, std::ios::seekdir dir) {
         seekFifo(offset, dir);
         return *this;
     }
+    // The reads of the buffered stream above come one after the other: a
+    // seek to where the file stands already costs nothing.
+    if (dir == std::ios::beg && offset == position && !failFlag && !std::feof(file)) return *this;
     int whence = dir == std::ios::beg ? SEEK_SET : dir == std::ios::cur ? SEEK_CUR : SEEK_END;
     failFlag = ::fseeko(file, static_cast<off_t>(offset), whence) != 0;
     if (failFlag) errno = 0;
+    position = failFlag ? -1 : static_cast<long>(::ftello(file));
     return *this;
 }
 
@@ -71,8 +76,18 @@ void InputBasicFile::seekFifo(long offset, std::ios::seekdir dir) {
     }
 }
 
+void InputBasicFile::setReadBlocks() {
+    if (fifo) {
+        std::setvbuf(file, nullptr, _IONBF, 0);
+        return;
+    }
+    const size_t size = 64 * 1024;
+    blocks.reset(new (std::nothrow) char[size]);
+    if (blocks) std::setvbuf(file, blocks.get(), _IOFBF, size);
+}
+
 long InputBasicFile::offset() {
-    if (fifo) return position;
+    if (fifo || position >= 0) return position;
     return static_cast<long>(::ftello(file));
 }
 

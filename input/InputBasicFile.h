@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdio>
+#include <memory>
 
 #include "input/InputStream.h"
 
@@ -11,7 +12,7 @@ namespace zun {
 class InputBasicFile : public InputStream {
 public:
     FILE* file = nullptr;
-    long position = 0;  // bytes read so far: the place on a stream that can't seek
+    long position = 0;  // where the stream stands; -1 when not known
 
     // A null path is standard input, named "(stdin)". Throws StdError
     // "file "path" open failed" with the system's code.
@@ -26,10 +27,11 @@ public:
     int peek() override;
     long size() override;
     unsigned long bufread(char* buf, unsigned long n, unsigned long done = 0) override;
-    // Drops the C stream's own buffer, for a reader that buffers itself: each
-    // read then goes straight to the system with the reader's size. Must come
-    // before the first read.
-    void unbuffered() { std::setvbuf(file, nullptr, _IONBF, 0); }
+    // Sets the C stream's buffer before the first read, for a reader that
+    // buffers itself. A pipe gets none: each read goes to it as it comes. A
+    // plain file is read in blocks of 64 KB below the reader's buffer: its
+    // reads come one after the other, and small ones would each cost a call.
+    void setReadBlocks();
 
 protected:
     void open();
@@ -39,6 +41,7 @@ protected:
 
 private:
     bool failFlag = false;
+    std::unique_ptr<char[]> blocks;  // the C stream's buffer, freed after it is closed
 };
 
 }  // namespace zun
