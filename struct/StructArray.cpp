@@ -154,11 +154,12 @@ StructElem* StructArrayBase::search(const char* text) {
         if (element->offset < 0) setArray(activeIndex);
         if (matches()) return element;
     }
+    long end = element->dataEnd();  // asked once: on a file, a call to the system
     for (long i = 0; n < 0 || i < n; ++i) {
         getElement(i);  // an unbound array ends the search with the overflow
         // Past the end of the data nothing more is found, even by a field of
         // no size that reads the same empty text all along a huge count.
-        if (element->startsBeyondData()) break;
+        if (element->startsBeyondData(end)) break;
         if (matches()) return element;
     }
     throw ErrorArrayIndexInvalid(getPathName().str(), text);

@@ -324,11 +324,16 @@ void StructElem::checkExtent(long n) {
     if (in->peek() < 0) readFailed(*in);
 }
 
-bool StructElem::startsBeyondData() {
+long StructElem::dataEnd() {
+    zun::InputStream* in = getBase()->input;
+    return in->isFifo() ? -1 : in->size();
+}
+
+bool StructElem::startsBeyondData(long dataEnd) {
     long pos = getPos();
     if (pos <= 0) return pos < 0;
+    if (dataEnd >= 0) return pos > dataEnd;
     zun::InputStream* in = getBase()->input;
-    if (!in->isFifo()) return pos > in->size();
     in->seek(pos - 1, std::ios::beg);
     return in->peek() < 0;
 }

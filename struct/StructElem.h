@@ -263,8 +263,10 @@ public:
     // ends in that error instead of a huge allocation.
     void checkExtent(long n);
     // Whether the element starts past the end of the data (at the end is in
-    // it: a field of no size may stand there). A pipe is read up to there.
-    bool startsBeyondData();
+    // it: a field of no size may stand there). dataEnd is the size of a data
+    // file that can seek, from dataEnd(); on a pipe (-1) it is read up to there.
+    bool startsBeyondData(long dataEnd);
+    long dataEnd();
     // The error of a read that failed or ran past the end of the input.
     [[noreturn]] void readFailed(zun::InputStream& in);
 
